@@ -1,0 +1,32 @@
+# tarvek_layer(<target> [DEPENDS <targets>...])
+#
+# One layer of the house: a static library of all sources below src/, with its
+# public headers below include/. A layer that is not named in DEPENDS cannot be
+# included, since its include root is not on the path.
+function(tarvek_layer name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS src/*.cpp)
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_include_directories(${name} PUBLIC include PRIVATE src)
+    target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE tarvek_options)
+  else()
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE include)
+    target_link_libraries(${name} INTERFACE ${ARG_DEPENDS})
+  endif()
+endfunction()
+
+# tarvek_tests(<name> [DEPENDS <targets>...])
+#
+# One test program of all *.cpp in this folder, each test its own ctest entry.
+function(tarvek_tests name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()

@@ -1,0 +1,28 @@
+# Build options and the compile flags that every target shares.
+
+option(TARVEK_TESTS "Build the test suites" ON)
+option(TARVEK_FUZZ "Build the fuzzers instead of the test suites (needs clang)" OFF)
+set(TARVEK_SANITIZE "" CACHE STRING "Sanitizers to build with: address, thread or empty")
+
+add_library(tarvek_options INTERFACE)
+target_compile_options(tarvek_options INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+
+if(TARVEK_SANITIZE STREQUAL "address")
+  set(TARVEK_SANITIZE_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+elseif(TARVEK_SANITIZE STREQUAL "thread")
+  set(TARVEK_SANITIZE_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
+elseif(NOT TARVEK_SANITIZE STREQUAL "")
+  message(FATAL_ERROR "TARVEK_SANITIZE is '${TARVEK_SANITIZE}'; use address, thread or leave it empty")
+endif()
+if(TARVEK_SANITIZE_FLAGS)
+  # Function multiversioning goes through ifunc resolvers, which run before a
+  # sanitizer's runtime is up: sanitized builds take the one portable version.
+  target_compile_definitions(tarvek_options INTERFACE TARVEK_SANITIZED=1)
+  add_compile_options(${TARVEK_SANITIZE_FLAGS})
+  add_link_options(${TARVEK_SANITIZE_FLAGS})
+endif()
+if(TARVEK_FUZZ)
+  target_compile_definitions(tarvek_options INTERFACE TARVEK_SANITIZED=1)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=address,undefined)
+endif()

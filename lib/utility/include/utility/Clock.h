@@ -1,0 +1,33 @@
+// The one door for every wait of production code.
+//
+// Whoever sleeps, polls or asks the time goes through Clock::current(), so that a virtual clock can stand in
+// its place: then a minute of waiting takes as long as the work that is done in it, and a run repeats.
+#pragma once
+
+#include <poll.h>
+
+#include <chrono>
+
+namespace tvk {
+
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    // Monotonic time since an arbitrary start.
+    virtual std::chrono::nanoseconds now() = 0;
+
+    // Blocks the calling thread; resumes after signals until the whole time has passed.
+    virtual void sleepFor(std::chrono::nanoseconds duration) = 0;
+
+    // poll(2) with a timeout in this clock's time; a negative timeout waits for ever.
+    virtual int poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) = 0;
+
+    // The clock in force: the machine's monotonic clock until another is installed.
+    static Clock& current();
+
+    // Installs a clock, null for the machine's own. Call it before any thread waits.
+    static void install(Clock* clock);
+};
+
+}  // namespace tvk
