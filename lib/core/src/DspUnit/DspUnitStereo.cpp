@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "DspUnit/BlockGain.h"
+#include "core/DspUnit/BlockGain.h"
 #include "core/DspUnit/ClipDetector.h"
 #include "utility/Log.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "DspUnit/BlockGain.h"
+#include "core/DspUnit/BlockGain.h"
 #include "core/System/DspArchive.h"
 #include "utility/Log.h"
 
