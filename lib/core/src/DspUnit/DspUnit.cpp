@@ -43,7 +43,7 @@ void DspUnit::connectInput(int channel, float* address, int connectionId) {
         return;
     }
     const auto index = static_cast<std::size_t>(channel);
-    inputs_[index].store(address, std::memory_order_relaxed);
+    inputs_[index].store(address, std::memory_order_release);
     inputConnections_[index].push_back(connectionId);
 }
 
@@ -54,12 +54,12 @@ void DspUnit::disconnectInput(int channel, int connectionId) {
     }
     const auto index = static_cast<std::size_t>(channel);
     inputConnections_[index].remove(connectionId);
-    if (inputConnections_[index].empty()) inputs_[index].store(silence_.data(), std::memory_order_relaxed);
+    if (inputConnections_[index].empty()) inputs_[index].store(silence_.data(), std::memory_order_release);
 }
 
 void DspUnit::disconnectAllInputs() {
     for (auto& input : inputs_)
-        input.store(silence_.data(), std::memory_order_relaxed);
+        input.store(silence_.data(), std::memory_order_release);
     for (auto& ids : inputConnections_)
         ids.clear();
 }

@@ -35,7 +35,7 @@ public:
     void disconnectInput(int channel, int connectionId) override;
     void disconnectAllInputs() override;
     float* getInputAddr(int channel) const override {
-        return inputs_[static_cast<std::size_t>(channel)].load(std::memory_order_relaxed);
+        return inputs_[static_cast<std::size_t>(channel)].load(std::memory_order_acquire);
     }
     std::list<int> getInputConnections(int channel) const override;
     std::vector<std::list<int>> getAllInputConnections() const override { return inputConnections_; }
@@ -60,7 +60,8 @@ public:
 
 private:
     const std::string tarvekId_;
-    // Set on a control thread while the audio thread reads.
+    // Set on a control thread while the audio thread reads. Release and acquire, so that a block that finds
+    // the address of a new unit's output finds the zeros in it too.
     std::vector<std::atomic<float*>> inputs_;
     std::vector<std::unique_ptr<float[]>> outputs_;
     std::map<std::string, IParameter*> parameters_;
