@@ -5,8 +5,9 @@
 // tc is the time constant in seconds, fs the sample rate in Hz. All work is in 32-bit float, so a ramp
 // stalls a rounding error short of its target (about 1e-6 of it for short constants, 1e-4 for long ones).
 //
-// Threads: setTarget and snap from any control thread, tick from the audio thread. Each field is one relaxed
-// atomic word; a snap that meets a tick in the same sample may be lost, which only lengthens the fade.
+// Threads: setTarget and snap from any control thread, tick and process from the audio thread. Each field is
+// one relaxed atomic word; a snap that meets a tick in the same sample may be lost, which only lengthens the
+// fade.
 #pragma once
 
 #include <atomic>
@@ -15,21 +16,32 @@
 class OnePoleRamp {
 public:
     OnePoleRamp(float timeConstantSeconds, float sampleRateHz)
-        : p_(std::exp(-6.2831855f * (0.15915494f / timeConstantSeconds) / sampleRateHz)),
-          a_(1.0f - p_) {}
+        : p_(std::exp(-6.2831855f * (0.15915494f / timeConstantSeconds) / sampleRateHz)), a_(1.0f - p_) {}
 
     // One sample further towards the target.
     float tick() {
-        const float y = target() * a_ + p_ * y_.load(std::memory_order_relaxed);
+        const float y = p_ * y_.load(std::memory_order_relaxed) + target() * a_;
         y_.store(y, std::memory_order_relaxed);
         current_.store(y, std::memory_order_relaxed);
         return y;
     }
 
+    // The next n values of tick, for a target that stays. n is 1 or more.
+    void process(float* out, int n) {
+        const float step = target() * a_;
+        float y = y_.load(std::memory_order_relaxed);
+        for (int i = 0; i < n; ++i) {
+            y = p_ * y + step;
+            out[i] = y;
+        }
+        y_.store(y, std::memory_order_relaxed);
+        current_.store(y, std::memory_order_relaxed);
+    }
+
     // True when a further tick gives the value that the last one gave, to the bit.
     bool isAtRest() const {
         const float y = y_.load(std::memory_order_relaxed);
-        return target() * a_ + p_ * y == y && current() == y;
+        return p_ * y + target() * a_ == y && current() == y;
     }
 
     // Where the ramp goes; the value moves with the next ticks.
