@@ -1,4 +1,4 @@
-#include "math/FilterArguments.h"
+#include "FilterArguments.h"
 
 #include "utility/Log.h"
 

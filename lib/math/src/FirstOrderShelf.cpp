@@ -3,7 +3,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "math/FrequencyLimit.h"
+#include "FrequencyLimit.h"
 #include "math/OnePoleScan.h"
 #include "utility/Log.h"
 

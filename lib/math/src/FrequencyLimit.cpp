@@ -1,4 +1,4 @@
-#include "math/FrequencyLimit.h"
+#include "FrequencyLimit.h"
 
 #include "utility/Log.h"
 

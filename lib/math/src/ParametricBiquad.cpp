@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "math/FilterArguments.h"
-#include "math/FrequencyLimit.h"
+#include "FilterArguments.h"
+#include "FrequencyLimit.h"
 
 namespace {
 
