@@ -107,6 +107,10 @@ public:
 
     const PresetInfo& getInfo() const { return info_; }
     void setInfo(const PresetInfo& info) { info_ = info; }
+    // Takes budget and costs from a file, in place of those it had.
+    void loadUtilization(const std::string& filename) {
+        utilization_ = ProcessorUtilizationManager(filename);
+    }
     const ProcessorUtilizationManager& getUtilization() const { return utilization_; }
 
     // Fade of 1 ms time constant.

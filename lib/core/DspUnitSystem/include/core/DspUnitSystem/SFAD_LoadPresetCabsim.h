@@ -1,0 +1,22 @@
+// The system device of the product: it also hands the engine's cabinet convolver to the units that will use
+// it, through the process-wide pool that their constructors read.
+#pragma once
+
+#include <deque>
+#include <memory>
+
+#include "core/DspUnitSystem/SFAD_LoadPreset.h"
+
+class IRProcessor;
+
+class SFAD_LoadPresetCabsim : public SFAD_LoadPreset {
+public:
+    // As SystemFixedAudioDevice; cabSim may be null, then cabinets pass their input through.
+    SFAD_LoadPresetCabsim(int numInputs, int numOutputs, const DspUnitDatabase* database, int blockLength,
+                          const std::string& processorUtilizationFilename,
+                          std::shared_ptr<IRProcessor> cabSim, float sampleRate);
+
+private:
+    const std::shared_ptr<IRProcessor> cabSim_;
+    const std::deque<std::shared_ptr<IRProcessor>> cabSimQueue_;
+};
