@@ -1,0 +1,16 @@
+// Compiled for AVX2 and FMA. It includes no library header with inline functions: the linker could take such
+// a function's copy from here for the whole program, which would then need this processor.
+#include "../kernels/Vector.inl"
+//
+#include "math/fft/VectorKernels.h"
+//
+#include "../kernels/CubicSegments.inl"
+#include "../kernels/Fir.inl"
+#include "../kernels/OnePoleHighPass.inl"
+
+namespace fft {
+
+extern const VectorKernels kVectorKernelsAvx2;
+const VectorKernels kVectorKernelsAvx2{firSplit, firMerge, cubicSegments, onePoleHighPass};
+
+}  // namespace fft

@@ -1,0 +1,61 @@
+// The vector routines of the audio path: FIR sections in polyphase form, the eight-segment cubic and the
+// one-pole high-pass. One set is compiled for every processor of the platform (4 lanes: SSE2 or NEON), one
+// more on x86-64 for AVX2 with FMA (8 lanes); vectorKernels() picks at the first call. The sets agree within
+// float rounding.
+//
+// "Planes" are the phases of an oversampled block stored one after the other: plane p holds samples R*n + p
+// of the R-times block, n = 0 .. N-1, and starts `stride` floats after plane p-1. None of the routines
+// allocates.
+#pragma once
+
+namespace fft {
+
+// A piecewise cubic over eight segments, each about its own centre: with t = x - centre[i],
+// y = ((c3[i] t + c2[i]) t + c1[i]) t + c0[i], where i is the count of breakpoints below x.
+struct alignas(32) CubicSegments {
+    float breakpoints[8];  // seven, ascending; the eighth is unused
+    float centre[8];
+    float c3[8];
+    float c2[8];
+    float c1[8];
+    float c0[8];
+};
+
+// The recursion of a one-pole high-pass, with the powers of its pole that a vector of steps needs at once.
+struct HighPassRecursion {
+    int phases;           // planes of the block, 1 to 5
+    float polePower[5];   // pole^1 to pole^phases
+    float groupPower[8];  // (pole^phases)^1 to ^8
+    float lastIn;
+    float lastOut;
+};
+
+struct VectorKernels {
+    // One input through `phases` filters of `taps` coefficients each, one output plane per filter:
+    //   out[p * stride + n] = sum over k of coefficients[p * taps + k] * in[n - k]
+    // in: at least taps - 1 earlier samples lie before it. phases: 1 to 5. count: a multiple of 8.
+    void (*firSplit)(const float* in, const float* coefficients, int phases, int taps, float* out, int stride,
+                     int count);
+
+    // `phases` planes, each through its own filter of `taps` coefficients, summed:
+    //   out[n] = sum over p and k of coefficients[p * taps + k] * in[p * stride + n - k]
+    // in: at least taps - 1 earlier samples lie before each plane. count: a multiple of 8.
+    void (*firMerge)(const float* in, int stride, const float* coefficients, int phases, int taps, float* out,
+                     int count);
+
+    // out[n] = the cubic at limit(in[n] / range, -1, 1). A value equal to a breakpoint falls in the lower
+    // segment. in may be out. Any count.
+    void (*cubicSegments)(const CubicSegments& curve, float range, const float* in, float* out, int count);
+
+    // y[m] = pole * (y[m-1] + x[m] - x[m-1]) in place, m in the order of time over filter.phases planes.
+    // count: samples of one plane, any.
+    void (*onePoleHighPass)(HighPassRecursion& filter, float* planes, int stride, int count);
+};
+
+// The fastest set that this processor runs.
+const VectorKernels& vectorKernels();
+
+// The set that every processor of this platform runs.
+const VectorKernels& portableVectorKernels();
+
+}  // namespace fft
