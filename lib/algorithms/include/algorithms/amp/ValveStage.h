@@ -3,7 +3,7 @@
 #pragma once
 
 #include "algorithms/amp/CubicSplineDistortionMinMax.h"
-#include "algorithms/amp/OnePoleHighPass.h"
+#include "algorithms/amp/PlanarHighPass.h"
 #include "math/UpDownSampler.h"
 #include "tables/ValveCurve.h"
 
@@ -20,7 +20,7 @@ public:
 private:
     UpDownSampler sampler_;
     CubicSplineDistortionMinMax transfer_;
-    OnePoleHighPass highPass_;
+    PlanarHighPass highPass_;
     fft::AlignedFloats planes_;
     int blockLength_;
 };

@@ -1,9 +1,9 @@
-#include "algorithms/amp/OnePoleHighPass.h"
+#include "algorithms/amp/PlanarHighPass.h"
 
 #include <cmath>
 #include <numbers>
 
-OnePoleHighPass::OnePoleHighPass(float cornerHz, float sampleRateHz, int phases)
+PlanarHighPass::PlanarHighPass(float cornerHz, float sampleRateHz, int phases)
     : kernels_(&fft::vectorKernels()) {
     const double decayPerSample = -2.0 * std::numbers::pi * cornerHz / sampleRateHz;
     recursion_.phases = phases;
@@ -15,11 +15,11 @@ OnePoleHighPass::OnePoleHighPass(float cornerHz, float sampleRateHz, int phases)
     reset();
 }
 
-void OnePoleHighPass::process(float* planes, int length, int stride) {
+void PlanarHighPass::process(float* planes, int length, int stride) {
     kernels_->onePoleHighPass(recursion_, planes, stride, length);
 }
 
-void OnePoleHighPass::reset() {
+void PlanarHighPass::reset() {
     recursion_.lastIn = 0.0f;
     recursion_.lastOut = 0.0f;
 }

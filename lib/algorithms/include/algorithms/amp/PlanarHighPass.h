@@ -1,4 +1,4 @@
-// One-pole high-pass, the DC blocker behind a valve stage.
+// One-pole high-pass over the planes of an oversampled block; with one plane, the DC blocker behind a valve stage.
 //
 //   c = 1 - exp(-2 pi f / fs);   s <- s + (x - s) c;   y = x - s
 //
@@ -8,10 +8,10 @@
 
 #include "math/fft/VectorKernels.h"
 
-class OnePoleHighPass {
+class PlanarHighPass {
 public:
     // cornerHz: f. sampleRateHz: fs, that of the samples given to process. phases: planes of a block, 1 to 5.
-    OnePoleHighPass(float cornerHz, float sampleRateHz, int phases = 1);
+    PlanarHighPass(float cornerHz, float sampleRateHz, int phases = 1);
 
     // In place: `phases` planes of length samples, stride floats apart, in the order of time sample n of
     // plane 0, of plane 1, ..., then n + 1 (UpDownSampler::upToPlanes). With one plane stride has no meaning.
