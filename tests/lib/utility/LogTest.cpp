@@ -1,17 +1,17 @@
-#include "utility/Log.h"
-
 #include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
+#include "utility/Log.h"
 #include "utility/RealtimeThread.h"
 
 namespace {
 
 class Recorder : public tvk::log::Sink {
 public:
-    void debugLine(const char* tag, const char* text) override { lines.push_back(std::string(tag) + ": " + text); }
+    void debugLine(const char* tag, const char* text) override {
+        lines.push_back(std::string(tag) + ": " + text);
+    }
     void diagnosticLine(tvk::log::Severity severity, const char*, int, const char* text) override {
         lines.push_back(std::string(tvk::log::severityName(severity)) + " " + text);
     }
@@ -58,7 +58,8 @@ TEST_F(LogTest, AFullRingDropsAndCountsLines) {
     const unsigned long before = tvk::log::droppedRealtimeLines();
     {
         tvk::RealtimeThreadScope realtime;
-        for (int i = 0; i < 1000; ++i) TVK_WARN("line %d", i);
+        for (int i = 0; i < 1000; ++i)
+            TVK_WARN("line %d", i);
     }
     const int kept = tvk::log::drainRealtimeRing();
     EXPECT_GT(kept, 0);
