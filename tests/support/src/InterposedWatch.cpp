@@ -11,8 +11,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "RealtimeWatch.h"
 #include "support/RealtimeGuard.h"
-#include "support/RealtimeWatch.h"
 
 // The allocator's own entries, which glibc exports for the purpose.
 extern "C" {

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "support/RealtimeWatch.h"
+#include "RealtimeWatch.h"
 #include "utility/RealtimeThread.h"
 
 namespace realtimewatch {

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
+#include "RealtimeWatch.h"
 #include "support/RealtimeGuard.h"
-#include "support/RealtimeWatch.h"
 
 // Of the sanitizers' run-time library; not every compiler ships the header that declares it.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onAllocation)(const volatile void* memory,
