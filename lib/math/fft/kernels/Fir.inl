@@ -1,10 +1,16 @@
 // FIR sections vectorised across samples: a group of vectors stays in registers while the taps pass by.
 namespace {
 
+// Tap 0 sets the sums and the others add to it: that keeps the sums out of memory.
 template <int Phases, int Vectors>
 inline void splitGroup(const float* in, const float* coefficients, int taps, float* out, int stride) {
-    Vector sum[Phases][Vectors] = {};
-    for (int k = 0; k < taps; ++k) {
+    Vector sum[Phases][Vectors];
+    for (int v = 0; v < Vectors; ++v) {
+        const Vector x = load(in + v * kLanes);
+        for (int p = 0; p < Phases; ++p)
+            sum[p][v] = coefficients[p * taps] * x;
+    }
+    for (int k = 1; k < taps; ++k) {
         Vector x[Vectors];
         for (int v = 0; v < Vectors; ++v)
             x[v] = load(in + v * kLanes - k);
@@ -20,11 +26,15 @@ inline void splitGroup(const float* in, const float* coefficients, int taps, flo
     }
 }
 
+// One chain of additions a phase: a sample's sum is in the same order in every group size.
 template <int Phases, int Vectors>
 inline void mergeGroup(const float* in, int stride, const float* coefficients, int taps, float* out) {
-    // One chain of additions a phase: a sample's sum is in the same order in every group size.
-    Vector sum[Phases][Vectors] = {};
-    for (int k = 0; k < taps; ++k) {
+    Vector sum[Phases][Vectors];
+    for (int p = 0; p < Phases; ++p) {
+        for (int v = 0; v < Vectors; ++v)
+            sum[p][v] = coefficients[p * taps] * load(in + p * stride + v * kLanes);
+    }
+    for (int k = 1; k < taps; ++k) {
         for (int p = 0; p < Phases; ++p) {
             const Vector tap = broadcast(coefficients[p * taps + k]);
             for (int v = 0; v < Vectors; ++v)
