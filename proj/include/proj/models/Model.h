@@ -13,6 +13,8 @@
 class AudioProcessor;
 class AudioProcessorThread;
 class IRProcessor;
+class ProductProfile;
+enum class AmpControl;
 
 namespace tvk {
 struct Platform;
@@ -79,7 +81,11 @@ public:
     long getXrunCount() const;
 
 private:
+    void setKnob(const char* name, AmpControl control, float position);
+    void setSwitch(const char* name, AmpControl control, bool on);
+
     PanelState panel_;
+    std::unique_ptr<ProductProfile> productProfile_;
     std::unique_ptr<AudioProcessor> audioProcessor_;
     std::unique_ptr<AudioProcessorThread> audioProcessorThread_;
 };
