@@ -1,8 +1,6 @@
 // One connection end on a control.
 #pragma once
 
-#include <typeinfo>
-
 template <typename T>
 class Slot {
 public:
@@ -23,9 +21,8 @@ public:
 
     // Same class, same target, same function.
     bool equals(const Slot<T>& other) const override {
-        if (typeid(*this) != typeid(other)) return false;
-        const auto& connector = static_cast<const SlotConnector&>(other);
-        return target_ == connector.target_ && function_ == connector.function_;
+        const auto* connector = dynamic_cast<const SlotConnector*>(&other);
+        return connector && target_ == connector->target_ && function_ == connector->function_;
     }
 
 private:
