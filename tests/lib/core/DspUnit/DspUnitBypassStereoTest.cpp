@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "TestUnits.h"
-#include "core/Parameter/Observer.h"
 #include "core/DspUnitBypassStereo/DspUnitBypassStereo.h"
+#include "core/Parameter/Observer.h"
 #include "support/LogRecorder.h"
 
 namespace {
