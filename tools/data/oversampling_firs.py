@@ -87,7 +87,7 @@ def render(pairs):
             "Equiripple low-passes at rate times 44100 Hz, rate * length taps each, on a grid of 2^-23.",
             "Pass band to 11, 13, 15, 16 kHz for length 6, 8, 10, 12; stop band from 44.1 kHz minus that.",
         ),
-        '#include "tables/OversamplingFirs.h"\n',
+        '#include "tables/OversamplingFirs.h"\n\n// clang-format off\n',
         "namespace tables {\n\nnamespace {\n",
     ]
     for (rate, length), pair in pairs.items():

@@ -47,8 +47,8 @@ def constrained_least_squares(matrix, target, equal, equal_to, at_least_zero):
     return start + free @ np.linalg.solve(r, z + wanted)
 
 
-def fit(curve, breakpoints, weight, rest_value, rest_slope, ends):
-    """Values and slopes at the nodes -1, breakpoints, 1. curve and weight are functions of x; 0 is a breakpoint."""
+def fit(curve, breakpoints, rest_value, rest_slope, ends):
+    """Values and slopes at the nodes -1, breakpoints, 1. curve is a function of x; 0 is a breakpoint."""
     nodes = np.concatenate([[-1.0], breakpoints, [1.0]])
     n = len(nodes)
     rest = int(np.argmin(np.abs(nodes)))
@@ -67,10 +67,9 @@ def fit(curve, breakpoints, weight, rest_value, rest_slope, ends):
             slope = np.zeros(2 * n)
             slope[n + node] = 1.0
             conditions += [direction * slope, direction * (3.0 * chord - slope)]
-    scale = weight(x)[:, None]
     solution = constrained_least_squares(
-        scale * hermite_rows(x, nodes),
-        scale[:, 0] * curve(x),
+        hermite_rows(x, nodes),
+        curve(x),
         equal,
         np.array([ends[0], ends[1], rest_value, rest_slope]),
         np.array(conditions),

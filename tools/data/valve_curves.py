@@ -52,9 +52,9 @@ def models():
     inverter = LongTailedPair()
     output_a, output_b = output_valves()
     return {
-        "NormalStage1": CommonCathode(STAGE_1, 100e3, 1.65, (-0.25, -0.1, 0.0, 0.15, 0.2, 0.3, 0.5)),
-        "NormalStage2": CommonCathode(STAGE_2, 100e3, 1.55, (-0.33, 0.0, 0.25, 0.4, 0.45, 0.5, 0.6)),
-        "VibratoStage1": CommonCathode(STAGE_1, 100e3, 1.7, (-0.35, -0.2, 0.0, 0.12, 0.18, 0.25, 0.5)),
+        "NormalStage1": CommonCathode(STAGE_1, 100e3, 1.7, (-0.25, -0.1, 0.0, 0.15, 0.2, 0.3, 0.5)),
+        "NormalStage2": CommonCathode(STAGE_2, 100e3, 1.45, (-0.33, 0.0, 0.25, 0.4, 0.45, 0.5, 0.6)),
+        "VibratoStage1": CommonCathode(STAGE_1, 100e3, 1.5, (-0.35, -0.2, 0.0, 0.12, 0.18, 0.25, 0.5)),
         "VibratoStage2": CommonCathode(STAGE_2, 100e3, 2.0, (-0.6, -0.35, 0.0, 0.3, 0.4, 0.5, 0.65)),
         "VibratoStage3": CommonCathode(STAGE_3, loaded_plate_ohms, 0.65, (-0.5, -0.3, -0.15, 0.0, 0.12, 0.3, 0.6)),
         "PhaseInverterA": PairOutput(INVERTER_A, inverter, 0, INVERTER_BREAKPOINTS),
@@ -80,7 +80,6 @@ def fitted(model):
     node_values = spline.fit(
         model.curve,
         np.array(model.breakpoints),
-        model.weight,
         at_rest[1],
         (at_rest[2] - at_rest[0]) / (2.0 * SLOPE_STEP),
         (1.0, -1.0) if model.falls else (-1.0, 1.0),

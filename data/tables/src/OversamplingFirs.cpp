@@ -5,6 +5,8 @@
 
 #include "tables/OversamplingFirs.h"
 
+// clang-format off
+
 namespace tables {
 
 namespace {
