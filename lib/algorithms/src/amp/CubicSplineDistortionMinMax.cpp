@@ -34,8 +34,10 @@ CubicSplineDistortionMinMax::CubicSplineDistortionMinMax(int length, float input
                                                          const float (&breakpoints)[7], ZeroInput zeroInput)
     : length_(length), inputRange_(inputRange), kernels_(&fft::vectorKernels()) {
     const double half = (static_cast<double>(outputMax) - outputMin) * 0.5;
-    const double rest = half + evaluateEightSegments(segments, breakpoints, 0.0) * half + outputMin;
-    const double offset = half + outputMin - (zeroInput == ZeroInput::Removed ? rest : 0.0);
+    const double restOnCurve = evaluateEightSegments(segments, breakpoints, 0.0);
+    // Where the curve crosses zero volts: at its rest point, or where the limits put it. Subtracted before
+    // the scaling, so that the segment about 0 ends in a constant of exactly 0.
+    const double zeroOnCurve = zeroInput == ZeroInput::Removed ? restOnCurve : -1.0 - outputMin / half;
 
     for (int i = 0; i < 8; ++i) {
         const auto& [a, b, c, d] = segments[i];
@@ -46,9 +48,9 @@ CubicSplineDistortionMinMax::CubicSplineDistortionMinMax(int length, float input
         curve_.c3[i] = static_cast<float>(a * half);
         curve_.c2[i] = static_cast<float>((3.0 * a * m + b) * half);
         curve_.c1[i] = static_cast<float>(((3.0 * a * m + 2.0 * b) * m + c) * half);
-        curve_.c0[i] = static_cast<float>((((a * m + b) * m + c) * m + d) * half + offset);
+        curve_.c0[i] = static_cast<float>((((a * m + b) * m + c) * m + d - zeroOnCurve) * half);
     }
-    zeroInputOutput_ = static_cast<float>(rest);
+    zeroInputOutput_ = static_cast<float>(half + restOnCurve * half + outputMin);
     tvk::log::debug("CubicSplineDistortionMinMax", "ziOutput is %f", static_cast<double>(zeroInputOutput_));
 }
 

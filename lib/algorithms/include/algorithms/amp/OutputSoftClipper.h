@@ -1,5 +1,6 @@
 // Keeps a unit's output inside a threshold: a soft clip at five times the rate, linear up to three quarters
-// of the threshold and flat from there to the threshold. Gain 1 below, 10 samples of delay.
+// of the threshold, then bending until it is flat below the threshold itself. Gain 1 below, 10.2 samples of
+// delay.
 #pragma once
 
 #include "algorithms/amp/CubicSplineDistortionMinMax.h"

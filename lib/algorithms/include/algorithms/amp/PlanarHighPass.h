@@ -1,4 +1,5 @@
-// One-pole high-pass over the planes of an oversampled block; with one plane, the DC blocker behind a valve stage.
+// One-pole high-pass over the planes of an oversampled block; with one plane, the DC blocker behind a valve
+// stage.
 //
 //   c = 1 - exp(-2 pi f / fs);   s <- s + (x - s) c;   y = x - s
 //
