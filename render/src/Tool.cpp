@@ -69,7 +69,9 @@ void writeReport(const RenderReport& report, const PendingFile& file) {
 }
 
 void checkWritable(const PendingFile& file, const std::string& path) {
-    if (file.isWanted() && !std::ofstream(file.temporary())) TVK_THROW("cannot write '%s'", path.c_str());
+    if (!file.isWanted()) return;
+    if (std::filesystem::is_directory(path) || !std::ofstream(file.temporary()))
+        TVK_THROW("cannot write '%s'", path.c_str());
 }
 
 void renderFiles(const CommandLine& line, const DspUnitDatabase& database, std::ostream& out) {

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "utility/Log.h"
@@ -26,9 +27,12 @@ public:
         echo_ << tag << ": " << text << '\n';
     }
     void diagnosticLine(log::Severity severity, const char*, int, const char* text) override {
+        std::string line = text;
+        while (!line.empty() && line.back() == '\n')
+            line.pop_back();
         const std::lock_guard<std::mutex> lock(mutex_);
-        warnings_.push_back(text);
-        echo_ << log::severityName(severity) << ' ' << text << '\n';
+        echo_ << log::severityName(severity) << ' ' << line << '\n';
+        warnings_.push_back(std::move(line));
     }
 
 private:
