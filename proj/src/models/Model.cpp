@@ -38,8 +38,8 @@ std::string utilizationFile(const tvk::Platform& platform) {
 }
 
 AudioProcessorSettings engineSettings(const tvk::Platform& platform) {
-    return {platform.captureDevice, platform.playbackDevice, kBlockLength,
-            kAudioFormat,           kSampleRateHz,           utilizationFile(platform)};
+    return {platform.captureDevice, platform.playbackDevice,   kBlockLength,       kAudioFormat,
+            kSampleRateHz,          utilizationFile(platform), platform.blockTimer};
 }
 
 void logPosition(const char* name, float position) {

@@ -10,6 +10,7 @@
 
 #include "utility/Clock.h"
 
+class BlockTimer;
 class Model;
 
 namespace tvk {
@@ -37,6 +38,9 @@ struct Platform {
 
     // The clock behind every wait, null for the machine's own. It outlives the run.
     Clock* clock = nullptr;
+
+    // Measures the blocks of the audio thread, or null. It outlives the run.
+    BlockTimer* blockTimer = nullptr;
 
     // Never empty.
     Session session;

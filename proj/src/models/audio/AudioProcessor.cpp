@@ -11,6 +11,7 @@
 #include "core/System/DspUnitAudioBufferStorage.h"
 #include "core/System/DspUnitInputVoltageMappingConfig.h"
 #include "core/ui/UIStdDisplayDspUnit.h"
+#include "proj/models/audio/BlockTimer.h"
 #include "proj/models/audio/SampleConversion.h"
 #include "shared/DspUnitInfo/DefaultDspUnitDatabase.h"
 #include "utility/Clock.h"
@@ -71,6 +72,7 @@ AudioProcessor::AudioProcessor(const AudioProcessorSettings& settings, const Pro
       blockLength_(settings.audioBlockLength),
       periodTime_(timeOf(settings.audioBlockLength, settings.audioSampleRate)),
       productProfile_(productProfile),
+      blockTimer_(settings.blockTimer),
       unitDatabase_(std::make_unique<DefaultDspUnitDatabase>()),
       systemAudioDevice_(std::make_unique<SFAD_LoadPresetCabsim>(
           kGraphInputs, kGraphOutputs, unitDatabase_.get(), static_cast<int>(blockLength_),
@@ -152,6 +154,13 @@ void AudioProcessor::process() {
     if (!readPeriod()) return;
     if (!audioAlsaPcm_->write(buffers_->outputPcm.data())) restartRequested_ = true;
 
+    if (blockTimer_) blockTimer_->blockStarts();
+    computeBlock();
+    if (blockTimer_) blockTimer_->blockEnds();
+    started_.store(true, std::memory_order_relaxed);
+}
+
+void AudioProcessor::computeBlock() {
     convertRawToFloat(buffers_->inputPcm.data(), buffers_->inputSamples.data(), inputSampleCount_);
     inputStage_.process(buffers_->inputSamples.data(), kPcmChannels, blockLength_, inputBuffer0_.data(),
                         inputBuffer1_.data(), summedInput_.data());
@@ -159,7 +168,6 @@ void AudioProcessor::process() {
     fadeIntoFrames();
     convertFloatToRaw(buffers_->outputSamples.data(), buffers_->outputPcm.data(), outputSampleCount_,
                       audioBitDepth_);
-    started_.store(true, std::memory_order_relaxed);
 }
 
 void AudioProcessor::restartStreams() {

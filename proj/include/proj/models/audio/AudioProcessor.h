@@ -23,6 +23,7 @@
 #include "proj/models/audio/PcmBuffer.h"
 
 class AudioAlsaPcm;
+class BlockTimer;
 class DspUnitDatabase;
 class IDspUnit;
 class IParameter;
@@ -58,6 +59,7 @@ struct AudioProcessorSettings {
     int audioFormat;                 // ALSA format code: 6 (S24_LE) or 10 (S32_LE)
     float audioSampleRate;           // Hz, a whole number
     std::string processorUtilizationFilename;
+    BlockTimer* blockTimer = nullptr;  // not owned; none is null
 };
 
 class AudioProcessor {
@@ -116,6 +118,7 @@ private:
     void startStreams();
     void fillAndStart();
     bool readPeriod();
+    void computeBlock();
     void fadeIntoFrames();
 
     template <typename T>
@@ -125,6 +128,7 @@ private:
     const std::uint32_t blockLength_;
     const std::chrono::nanoseconds periodTime_;
     const ProductProfile& productProfile_;
+    BlockTimer* const blockTimer_;
     const std::shared_ptr<IRProcessor> irProcessor_;
     const std::unique_ptr<DspUnitDatabase> unitDatabase_;
     const std::unique_ptr<SFAD_LoadPresetCabsim> systemAudioDevice_;
