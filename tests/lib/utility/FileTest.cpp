@@ -3,8 +3,8 @@
 #include <sstream>
 #include <string>
 
-#include "../../support/LogRecorder.h"
-#include "../../support/TemporaryFolder.h"
+#include "support/LogRecorder.h"
+#include "support/TemporaryFolder.h"
 #include "utility/Directory.h"
 #include "utility/Exception.h"
 #include "utility/File.h"

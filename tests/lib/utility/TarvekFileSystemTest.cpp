@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "../../support/LogRecorder.h"
-#include "../../support/TemporaryFolder.h"
+#include "support/LogRecorder.h"
+#include "support/TemporaryFolder.h"
 #include "utility/TarvekFileSystem.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "../../support/LogRecorder.h"
+#include "support/LogRecorder.h"
 #include "utility/ThreadSched.h"
 #include "utility/scheduler.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "../../support/LogRecorder.h"
+#include "support/LogRecorder.h"
 #include "utility/Flaggable.h"
 #include "utility/TarvekThread.h"
 #include "utility/ThreadSched.h"
