@@ -2,7 +2,7 @@
 
 Model, an extended plucked string
   K. Karplus, A. Strong, "Digital synthesis of plucked-string and drum timbres", Computer Music Journal 7(2), 1983
-  D. Jaffe, J. O. Smith, "Extensions of the Karplus-Strong plucked-string algorithm", same issue
+  D. Jaffe, J. O. Smith, "Extensions of the Karplus-Strong plucked-string algorithm", Computer Music Journal 7(2), 1983
 Each string is a loop of one period with third-order Lagrange interpolation, so that its length may move (bends,
 vibrato), and a symmetric three-tap loss filter of zero phase, so that it stays in tune. It vibrates in two
 polarisations a little apart in pitch and decay, whose beating is what a held note lives from. The wave is the
