@@ -17,6 +17,18 @@ constexpr char kDescription[] =
 constexpr double kLongestSeconds = 3600.0;
 constexpr int kLongestBlock = 8192;
 
+// Unlike CLI::Range, this also refuses what is not a number.
+CLI::Validator between(double least, double most) {
+    return CLI::Validator(
+        [least, most](std::string& text) {
+            double value = 0.0;
+            if (CLI::detail::lexical_cast(text, value) && value >= least && value <= most)
+                return std::string();
+            return tvk::formatText("%s is not a number from %g to %g", text.c_str(), least, most);
+        },
+        "");
+}
+
 void describeGraph(CLI::App& app, CommandLine& line) {
     CLI::Option_group* const graph =
         app.add_option_group("Graph", "What the guitar is played through; one of");
@@ -56,24 +68,24 @@ void describeRun(CLI::App& app, CommandLine& line) {
     app.add_option("--settle", line.settleSeconds,
                    "Silence before the input, not written, in whole blocks; 0.2 unless told.\n"
                    "Example: --settle 1")
-        ->check(CLI::Range(0.0, kLongestSeconds))
+        ->check(between(0.0, kLongestSeconds))
         ->type_name("SECONDS");
     app.add_option("--tail", line.tailSeconds,
                    "Silence after the input: the output has exactly the frames of both; 0 unless told.\n"
                    "Example: --tail 2.5")
-        ->check(CLI::Range(0.0, kLongestSeconds))
+        ->check(between(0.0, kLongestSeconds))
         ->type_name("SECONDS");
     app.add_option("--block", line.blockLength, "Samples a block; 32 unless told.\nExample: --block 64")
-        ->check(CLI::Range(1, kLongestBlock))
+        ->check(between(1, kLongestBlock))
         ->type_name("N");
     app.add_option("--rate", line.rateHz,
                    "The engine's sample rate in Hz; 44100 unless told.\nExample: --rate 48000")
-        ->check(CLI::Range(8000, 192000))
+        ->check(between(8000, 192000))
         ->type_name("R");
     app.add_option("--input-voltage", line.inputVoltage,
                    "Volts at the jack for a full-scale sample, in place of the product profile's.\n"
                    "Example: --input-voltage 1.2")
-        ->check(CLI::Range(1e-6f, 1e6f))
+        ->check(between(1e-6, 1e6))
         ->type_name("V");
 }
 
