@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::int64_t kNsPerSecond = 1000000000;
 constexpr std::int64_t kPeriod = VirtualCard::kPeriodFrames;
+// Adding a period to it stays before frame 0.
+constexpr std::int64_t kBeforeTransport = std::numeric_limits<std::int64_t>::min() / 2;
 
 std::chrono::nanoseconds machineTime() {
     timespec t{};
@@ -39,6 +41,7 @@ void VirtualCard::configure(Settings settings) {
     capture_ = Stream{};
     playback_ = Stream{};
     origin_ = kNoFrame;
+    isInTransport_ = false;
     playedUpTo_ = 0;
     faultIsDone_.assign(settings_.faults.size(), false);
     shortReadEnd_ = kNoFrame;
@@ -180,8 +183,10 @@ std::int64_t VirtualCard::capturePosition(std::int64_t cardFrame) {
         shortReadEnd_ = captured - kPeriod / 2;
     if (shortReadEnd_ != kNoFrame)
         return capture_.moved >= shortReadEnd_ ? fail(capture_, captureXruns_) : shortReadEnd_;
-    if (captured - capture_.moved >= static_cast<std::int64_t>(capture_.bufferFrames))
+    if (captured - capture_.moved >= static_cast<std::int64_t>(capture_.bufferFrames)) {
+        noteWake(capture_.startFrame + capture_.moved + kPeriod);
         return fail(capture_, captureXruns_);
+    }
     return captured;
 }
 
@@ -204,11 +209,12 @@ float VirtualCard::guitarAt(int which, std::int64_t transportFrame) const {
 int VirtualCard::capture(float* interleaved, std::size_t frames) {
     if (!capture_.isRunning) return -EPIPE;
     const std::int64_t first = capture_.startFrame + capture_.moved;
-    if (settings_.clock == ClockMode::Real)
-        wakeLateness_.add(now() - timeOf(first + static_cast<std::int64_t>(frames)));
+    noteWake(first + static_cast<std::int64_t>(frames));
+    const std::int64_t firstOfTransport = origin_ == kNoFrame ? kBeforeTransport : first - origin_;
+    isInTransport_ =
+        firstOfTransport >= 0 && static_cast<std::uint64_t>(firstOfTransport) < settings_.transportFrames;
     for (std::size_t i = 0; i < frames; ++i) {
-        const std::int64_t transportFrame =
-            origin_ == kNoFrame ? kNoFrame : first + static_cast<std::int64_t>(i) - origin_;
+        const std::int64_t transportFrame = firstOfTransport + static_cast<std::int64_t>(i);
         const float normal = guitarAt(0, transportFrame);
         const float vibrato = guitarAt(1, transportFrame);
         float* const frame = interleaved + i * kChannels;
@@ -221,6 +227,10 @@ int VirtualCard::capture(float* interleaved, std::size_t frames) {
     capture_.moved += static_cast<std::int64_t>(frames);
     capturedFrames_.fetch_add(frames, std::memory_order_relaxed);
     return 0;
+}
+
+void VirtualCard::noteWake(std::int64_t awaitedFrame) {
+    if (settings_.clock == ClockMode::Real) wakeLateness_.add(now() - timeOf(awaitedFrame));
 }
 
 int VirtualCard::play(const float* interleaved, std::size_t frames) {

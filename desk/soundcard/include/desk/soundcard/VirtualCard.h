@@ -79,6 +79,9 @@ public:
     // True once the transport's last frame has been played and can be taken. Any thread.
     bool transportFinished() const { return finished_.load(std::memory_order_acquire); }
 
+    // Whether the period read last belongs to the transport's frames. Audio thread.
+    bool isInTransport() const { return isInTransport_; }
+
     // The output in order, at most `most` frames. One consumer thread.
     std::size_t takeOutput(FrameRing::Frame* to, std::size_t most) { return output_.take(to, most); }
 
@@ -138,6 +141,7 @@ private:
     std::int64_t fail(Stream& which, std::atomic<long>& count);
     std::int64_t capturePosition(std::int64_t cardFrame);
     std::int64_t playbackPosition(std::int64_t cardFrame);
+    void noteWake(std::int64_t awaitedFrame);
     void playOut(std::int64_t cardFrame);
     void emit(std::int64_t cardFrame, FrameRing::Frame frame);
     float guitarAt(int which, std::int64_t transportFrame) const;
@@ -150,6 +154,7 @@ private:
     Stream capture_;
     Stream playback_;
     std::int64_t origin_ = kNoFrame;  // card frame of transport frame 0
+    bool isInTransport_ = false;
     std::int64_t playedUpTo_ = 0;     // card frame; all before it has been played
     std::vector<bool> faultIsDone_;
     std::int64_t shortReadEnd_ = kNoFrame;          // capture position at which a short read breaks off

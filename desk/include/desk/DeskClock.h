@@ -1,0 +1,25 @@
+// The program's clock door, opened to the virtual card's time.
+#pragma once
+
+#include "desk/soundcard/VirtualTime.h"
+#include "utility/Clock.h"
+
+namespace tvk::desk {
+
+class DeskClock final : public Clock {
+public:
+    // The time outlives the clock.
+    explicit DeskClock(VirtualTime& time) : time_(time) {}
+
+    std::chrono::nanoseconds now() override { return time_.now(); }
+    void sleepFor(std::chrono::nanoseconds duration) override { time_.sleepFor(duration); }
+
+    // A driver looks at its descriptors every millisecond of the card's time; all others wait in the
+    // machine's.
+    int poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) override;
+
+private:
+    VirtualTime& time_;
+};
+
+}  // namespace tvk::desk

@@ -1,0 +1,35 @@
+#include "desk/DeskSession.h"
+
+#include <chrono>
+#include <cstdio>
+#include <unistd.h>
+
+#include "proj/models/Model.h"
+#include "proj/platform/StopSignal.h"
+#include "utility/Clock.h"
+
+namespace tvk::desk {
+
+namespace {
+
+// How long a stop may go unseen.
+constexpr std::chrono::milliseconds kLook{10};
+
+}  // namespace
+
+void DeskSession::run(Model& model, StopSignal& stop) {
+    const bool isVirtual = options_.clock == VirtualCard::ClockMode::Virtual;
+    std::printf("ready root=%s slot=%s clock=%s pid=%d\n", options_.root.c_str(),
+                options_.slot ? std::to_string(*options_.slot).c_str() : "none",
+                isVirtual ? "virtual" : "real", static_cast<int>(getpid()));
+    if (options_.slot) model.setAudioProcessingPreset(*options_.slot);
+    turnKnobs(options_.knobs, model);
+
+    writer_.start([&model] { return model.getXrunCount(); });
+    card_.beginTransport();
+    while (!card_.transportFinished() && !stop.arrived())
+        Clock::current().sleepFor(kLook);
+    writer_.finish();
+}
+
+}  // namespace tvk::desk
