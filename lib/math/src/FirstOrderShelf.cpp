@@ -20,14 +20,12 @@ void FirstOrderShelf::process(float* buffer) {
     float lastOutput = lastOutput_;
     int i = 0;
     for (; i + 4 <= length_; i += 4) {
-        float* const x = buffer + i;
-        float v[4] = {x[0] * c.b0 + lastInput * c.b1, x[1] * c.b0 + x[0] * c.b1, x[2] * c.b0 + x[1] * c.b1,
-                      x[3] * c.b0 + x[2] * c.b1};
+        const OnePoleScan::Lanes x = OnePoleScan::load(buffer + i);
+        const OnePoleScan::Lanes y =
+            scan.step(x * c.b0 + OnePoleScan::delayed(x, lastInput) * c.b1, lastOutput);
+        OnePoleScan::store(buffer + i, y);
         lastInput = x[3];
-        scan.step(v, lastOutput);
-        lastOutput = v[3];
-        for (int k = 0; k < 4; ++k)
-            x[k] = v[k];
+        lastOutput = y[3];
     }
     for (; i < length_; ++i) {
         lastOutput = (buffer[i] * c.b0 + lastInput * c.b1) - lastOutput * c.a1;

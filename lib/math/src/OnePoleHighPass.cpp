@@ -12,13 +12,11 @@ void OnePoleHighPass::process(float* buffer, int n) {
     float lastOutput = lastOutput_;
     int i = 0;
     for (; i + 4 <= n; i += 4) {
-        float* const x = buffer + i;
-        float v[4] = {p * (x[0] - lastInput), p * (x[1] - x[0]), p * (x[2] - x[1]), p * (x[3] - x[2])};
+        const OnePoleScan::Lanes x = OnePoleScan::load(buffer + i);
+        const OnePoleScan::Lanes y = scan.step(p * (x - OnePoleScan::delayed(x, lastInput)), lastOutput);
+        OnePoleScan::store(buffer + i, y);
         lastInput = x[3];
-        scan.step(v, lastOutput);
-        lastOutput = v[3];
-        for (int k = 0; k < 4; ++k)
-            x[k] = v[k];
+        lastOutput = y[3];
     }
     lastInput_ = lastInput;
     lastOutput_ = lastOutput;

@@ -1,31 +1,43 @@
-// y[n] = v[n] + p y[n-1], four samples a step.
+// y[n] = v[n] + p y[n-1], four samples a step, in the lanes of one vector.
 //
-// A serial one-pole costs the latency of a multiplication and an addition for every sample. Here the four
-// sums inside a step do not wait for the step before; only p^4 y[n-1] does. The result differs from the
-// serial form by float rounding.
+// A serial one-pole costs the latency of a multiplication and an addition for every sample. Here the sums
+// inside a step do not wait for the step before; only p^4 y[n-1] does. The result differs from the serial
+// form by float rounding.
 #pragma once
+
+#include <cstring>
 
 class OnePoleScan {
 public:
-    explicit OnePoleScan(float pole) : p1_(pole), p2_(pole * pole), p3_(p2_ * pole), p4_(p2_ * p2_) {}
+    using Lanes = float __attribute__((vector_size(16)));
+
+    explicit OnePoleScan(float pole) : p1_(pole), p2_(pole * pole), powers_{p1_, p2_, p2_ * p1_, p2_ * p2_} {}
 
     float pole() const { return p1_; }
 
-    // v[0..3] becomes y[0..3]; last is y[-1].
-    void step(float* v, float last) const {
-        const float e0 = v[0];
-        const float e1 = v[1] + p1_ * e0;
-        const float e2 = v[2] + p1_ * e1;
-        const float e3 = v[3] + p1_ * e2;
-        v[0] = e0 + p1_ * last;
-        v[1] = e1 + p2_ * last;
-        v[2] = e2 + p3_ * last;
-        v[3] = e3 + p4_ * last;
+    // v[n..n+3] to y[n..n+3]; last is y[n-1].
+    Lanes step(Lanes v, float last) const {
+        constexpr Lanes zero{};
+        v += p1_ * __builtin_shufflevector(zero, v, 0, 4, 5, 6);
+        v += p2_ * __builtin_shufflevector(zero, v, 0, 0, 4, 5);
+        return v + powers_ * last;
+    }
+
+    static Lanes load(const float* samples) {
+        Lanes lanes;
+        std::memcpy(&lanes, samples, sizeof lanes);
+        return lanes;
+    }
+    static void store(float* samples, Lanes lanes) { std::memcpy(samples, &lanes, sizeof lanes); }
+
+    // The lanes one sample late: before, then all but the last.
+    static Lanes delayed(Lanes lanes, float before) {
+        const Lanes first{before, 0.0f, 0.0f, 0.0f};
+        return __builtin_shufflevector(first, lanes, 0, 4, 5, 6);
     }
 
 private:
     float p1_;
     float p2_;
-    float p3_;
-    float p4_;
+    Lanes powers_;
 };
