@@ -1,325 +1,288 @@
-#include <algorithm>
+// The PCM layer through the real ALSA library, on the virtual card.
 #include <cerrno>
-#include <chrono>
+#include <cstdint>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/Audio/AudioAlsaPcm.h"
+#include "desk/soundcard/VirtualCard.h"
 #include "support/LogRecorder.h"
-#include "support/card/TestCard.h"
-#include "utility/Clock.h"
 #include "utility/Exception.h"
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using tvk::desk::Fault;
+using tvk::desk::FrameRing;
+using tvk::desk::VirtualCard;
 
 namespace {
 
-// What the next calls of snd_pcm_resume return, the last for ever. Only hardware answers it with a failure,
-// so that this one call of the library is the test's own.
-std::vector<int> resumeResults;
-int resumeCalls = 0;
+constexpr int kFrames = 32;
+constexpr int kChannels = 6;
+using Period = std::vector<std::int32_t>;
+
+PcmConfiguration configuration() {
+    PcmConfiguration c;
+    c.channels = kChannels;
+    return c;
+}
+
+std::string messageOf(const PcmConfiguration& playback, const PcmConfiguration& capture) {
+    try {
+        const AudioAlsaPcm pcm(playback, capture, true);
+    } catch (const tvk::Exception& error) {
+        return error.what();
+    }
+    return "no exception";
+}
+
+class Pcm : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { VirtualCard::installConfiguration(); }
+
+    VirtualCard& card() { return VirtualCard::instance(); }
+
+    void configure(VirtualCard::Settings settings = {}) {
+        settings.clock = VirtualCard::ClockMode::Virtual;
+        card().configure(std::move(settings));
+    }
+
+    void open() { pcm_ = std::make_unique<AudioAlsaPcm>(configuration(), configuration(), true); }
+
+    void configureFault(const char* fault) {
+        VirtualCard::Settings settings;
+        settings.guitars[0] = std::vector<float>(100000, 0.25f);
+        settings.faults = {Fault::parse(fault)};
+        configure(std::move(settings));
+    }
+
+    void fillAndStart() {
+        EXPECT_TRUE(pcm_->write(silence_.data()));
+        EXPECT_TRUE(pcm_->write(silence_.data()));
+        EXPECT_EQ(pcm_->start(), 0);
+    }
+
+    // Cycles of one read and one write until one fails or `most` are done; returns how many were whole.
+    int cycle(int most) {
+        for (int i = 0; i < most; ++i)
+            if (!pcm_->read(period_.data()) || !pcm_->write(silence_.data())) return i;
+        return most;
+    }
+
+    LogRecorder log_;
+    std::unique_ptr<AudioAlsaPcm> pcm_;
+    const Period silence_ = Period(kFrames * kChannels, 0);
+    Period period_ = Period(kFrames * kChannels, 0);
+};
 
 }  // namespace
 
-extern "C" int snd_pcm_resume(snd_pcm_t*) {
-    const int call = resumeCalls++;
-    return resumeResults.at(std::min(static_cast<std::size_t>(call), resumeResults.size() - 1));
+TEST_F(Pcm, PeriodOfSixChannelsHasItsSizesInBytes) {
+    configure();
+    open();
+    EXPECT_EQ(pcm_->getPlaybackPeriodBytes(), 32u * 6u * 4u);
+    EXPECT_EQ(pcm_->getCapturePeriodBytes(), 32u * 6u * 4u);
+    EXPECT_EQ(pcm_->getPlaybackFloatBytes(), 32u * 6u * 4u);
+    EXPECT_EQ(pcm_->getCaptureFloatBytes(), 32u * 6u * 4u);
 }
 
-namespace {
-
-constexpr std::size_t kPeriodWords = 32 * 6;
-
-using Lines = std::vector<std::string>;
-using Words = std::vector<std::int32_t>;
-
-PcmConfiguration sixChannels() {
-    PcmConfiguration configuration;
-    configuration.channels = 6;
-    return configuration;
+TEST_F(Pcm, DefaultConfigurationIsThatOfTheDevice) {
+    const PcmConfiguration c;
+    EXPECT_STREQ(c.device, "hw:0,0");
+    EXPECT_EQ(c.rate, 44100u);
+    EXPECT_EQ(c.periodFrames, 32u);
+    EXPECT_EQ(c.periods, 2u);
+    EXPECT_EQ(c.channels, 2u);
+    EXPECT_EQ(static_cast<int>(c.format), 6);
+    EXPECT_EQ(static_cast<int>(c.access), 3);
 }
 
-class AudioAlsaPcmTest : public testing::Test {
-protected:
-    // The text that construction throws.
-    std::string thrownFor(const PcmConfiguration& playback, const PcmConfiguration& capture) {
-        try {
-            const AudioAlsaPcm pcm(playback, capture, true);
-        } catch (const tvk::Exception& e) {
-            return e.what();
-        }
-        return "nothing thrown";
-    }
-    std::string thrown() { return thrownFor(sixChannels(), sixChannels()); }
-
-    CardScope scope;
-    TestCard& card = scope.card;
-    LogRecorder log;
-};
-
-class OpenPcm : public AudioAlsaPcmTest {
-protected:
-    void fillAndStart() {
-        pcm.write(silence.data());
-        pcm.write(silence.data());
-        ASSERT_EQ(pcm.start(), 0);
-    }
-    AudioAlsaPcm pcm{sixChannels(), sixChannels(), true};
-    Words silence = Words(kPeriodWords);
-    Words frames = Words(kPeriodWords);
-};
-
-TEST(PcmConfiguration, DefaultsAreTheBuiltInRecord) {
-    const PcmConfiguration configuration;
-    EXPECT_STREQ(configuration.device, "hw:0,0");
-    EXPECT_EQ(configuration.rate, 44100u);
-    EXPECT_EQ(configuration.periodFrames, 32u);
-    EXPECT_EQ(configuration.periods, 2u);
-    EXPECT_EQ(configuration.channels, 2u);
-    EXPECT_EQ(static_cast<int>(configuration.format), 6);
-    EXPECT_EQ(static_cast<int>(configuration.access), 3);
-}
-
-TEST_F(OpenPcm, SizesFollowFromTheConfiguration) {
-    EXPECT_EQ(pcm.getPlaybackPeriodBytes(), 32u * 6 * 4);
-    EXPECT_EQ(pcm.getCapturePeriodBytes(), 32u * 6 * 4);
-    EXPECT_EQ(pcm.getPlaybackFloatBytes(), 32u * 6 * 4);
-    EXPECT_EQ(pcm.getCaptureFloatBytes(), 32u * 6 * 4);
-    EXPECT_EQ(pcm.getPlaybackConfiguration().channels, 6u);
-    EXPECT_EQ(pcm.getCaptureConfiguration().channels, 6u);
-}
-
-TEST_F(OpenPcm, BothStreamsTakeTwoPeriodsOf32AndNeverStartByThemselves) {
-    for (snd_pcm_t* handle : {pcm.getPlaybackHandle(), pcm.getCaptureHandle()}) {
+TEST_F(Pcm, BothStreamsAreOpenedWithTheDemandedBuffer) {
+    configure();
+    open();
+    for (snd_pcm_t* const handle : {pcm_->getPlaybackHandle(), pcm_->getCaptureHandle()}) {
         snd_pcm_uframes_t buffer = 0;
         snd_pcm_uframes_t period = 0;
         ASSERT_EQ(snd_pcm_get_params(handle, &buffer, &period), 0);
         EXPECT_EQ(buffer, 64u);
         EXPECT_EQ(period, 32u);
     }
-    pcm.write(silence.data());
-    pcm.write(silence.data());
-    EXPECT_EQ(snd_pcm_state(pcm.getPlaybackHandle()), SND_PCM_STATE_PREPARED);
-    EXPECT_EQ(card.startThresholds, (std::vector<unsigned long>{0x7FFFFFFF, 0x7FFFFFFF}));
-    EXPECT_EQ(log.count("AudioAlsaPcm: AudioAlsaPcm::setHwParams : hw:0,0 "), 2);
 }
 
-TEST_F(OpenPcm, AFailedLinkIsAWarningAndStartThenStartsPlaybackToo) {
-    EXPECT_TRUE(log.has("Warn snd_pcm_link failed: Function not implemented"));
-    const std::size_t before = card.calls.size();
-    EXPECT_EQ(pcm.start(), 0);
-    EXPECT_EQ(card.callsSince(before), (Lines{"capture start", "playback start"}));
-    EXPECT_EQ(snd_pcm_state(pcm.getPlaybackHandle()), SND_PCM_STATE_RUNNING);
+TEST_F(Pcm, DeviceOfAnotherRateIsRefusedAndNotUsedAtItsOwn) {
+    VirtualCard::Settings settings;
+    settings.rateHz = 48000;
+    configure(std::move(settings));
+    EXPECT_EQ(messageOf(configuration(), configuration()), "setHwParams failed for playbackHandle");
+    EXPECT_TRUE(log_.has("Error The rate 44100 Hz is not supported by your hardware."));
+    EXPECT_TRUE(log_.has("Error  ==> Using 48000 Hz instead."));
 }
 
-TEST_F(OpenPcm, StartReturnsTheCodeOfAFailure) {
-    card.startResult = -ENODEV;
-    EXPECT_EQ(pcm.start(), -ENODEV);
+TEST_F(Pcm, CaptureThatTakesNoParametersIsNamed) {
+    configure();
+    PcmConfiguration capture = configuration();
+    capture.channels = 2;
+    EXPECT_EQ(messageOf(configuration(), capture), "setHwParams failed for captureHandle");
+    EXPECT_THAT(log_.startingWith("Error Error setting channels = 2."),
+                ElementsAre(HasSubstr("Invalid argument")));
 }
 
-TEST_F(OpenPcm, ReadAndWriteMoveOnePeriod) {
-    card.captured = [](std::uint64_t frame, unsigned channel) {
-        return static_cast<std::int32_t>(frame * 10 + channel);
-    };
+TEST_F(Pcm, MissingDeviceIsNamed) {
+    configure();
+    PcmConfiguration missing = configuration();
+    missing.device = "nowhere:0";
+    EXPECT_EQ(messageOf(missing, configuration()), "Error opening Playback PCM device nowhere:0");
+    EXPECT_EQ(messageOf(configuration(), missing), "Error opening Capture PCM device nowhere:0");
+}
+
+TEST_F(Pcm, NothingStartsByItself) {
+    configure();
+    open();
+    ASSERT_TRUE(pcm_->write(silence_.data()));
+    ASSERT_TRUE(pcm_->write(silence_.data()));
+    card().virtualTime().waitUntil(std::chrono::milliseconds(10));
+    EXPECT_EQ(snd_pcm_state(pcm_->getPlaybackHandle()), SND_PCM_STATE_PREPARED);
+    EXPECT_EQ(snd_pcm_state(pcm_->getCaptureHandle()), SND_PCM_STATE_PREPARED);
+}
+
+TEST_F(Pcm, StartOfAnUnlinkedPairStartsBoth) {
+    configure();
+    open();
+    EXPECT_EQ(log_.startingWith("Warn snd_pcm_link failed").size(), 1u);
     fillAndStart();
-    for (std::int32_t period = 0; period < 5; ++period) {
-        ASSERT_TRUE(pcm.read(frames.data()));
-        for (std::int32_t i = 0; i < 32; ++i)
-            for (std::int32_t channel = 0; channel < 6; ++channel)
-                ASSERT_EQ(frames[static_cast<std::size_t>(i * 6 + channel)],
-                          (period * 32 + i) * 10 + channel);
-        ASSERT_TRUE(pcm.write(frames.data()));
+    EXPECT_EQ(snd_pcm_state(pcm_->getCaptureHandle()), SND_PCM_STATE_RUNNING);
+    EXPECT_EQ(snd_pcm_state(pcm_->getPlaybackHandle()), SND_PCM_STATE_RUNNING);
+    EXPECT_EQ(cycle(1000), 1000);
+    EXPECT_EQ(pcm_->getXrunCount(), 0);
+}
+
+TEST_F(Pcm, BlockWrittenAfterTheReadPlaysNinetySixFramesAfterThePeriodBegan) {
+    VirtualCard::Settings settings;
+    settings.guitars[0] = {0.5f};
+    configure(std::move(settings));
+    open();
+    fillAndStart();
+    card().beginTransport();
+    // What an engine does that writes the block of the cycle before: the period read goes out one cycle
+    // later.
+    Period before = silence_;
+    for (int i = 0; i < 5; ++i) {
+        ASSERT_TRUE(pcm_->read(period_.data()));
+        ASSERT_TRUE(pcm_->write(before.data()));
+        before = silence_;
+        before[0] = period_[3];
     }
-    EXPECT_EQ(card.written.size(), 7 * kPeriodWords);
-    EXPECT_EQ(Words(card.written.end() - static_cast<std::ptrdiff_t>(kPeriodWords), card.written.end()),
-              frames);
-    EXPECT_EQ(pcm.getXrunCount(), 0);
+    std::vector<FrameRing::Frame> out(5 * kFrames);
+    ASSERT_EQ(card().takeOutput(out.data(), out.size()), out.size());
+    for (std::size_t n = 0; n < out.size(); ++n)
+        EXPECT_EQ(out[n].speaker, n == 96 ? 0.5f : 0.0f) << n;
 }
 
-TEST_F(OpenPcm, APeriodInPiecesIsPutTogether) {
-    card.captured = [](std::uint64_t frame, unsigned) { return static_cast<std::int32_t>(frame); };
+class PcmFault : public Pcm, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(PcmFault, CountsOnceAndRunsAgainAfterDropPrepareAndStart) {
+    configureFault(GetParam());
+    open();
     fillAndStart();
-    const long first = card.captureTransfers;
-    card.onCapture = [first](long call, long wanted) -> long {
-        return call == first ? 12 : call == first + 1 ? -EINTR : wanted;
-    };
-    ASSERT_TRUE(pcm.read(frames.data()));
-    for (std::size_t i = 0; i < 32; ++i)
-        EXPECT_EQ(frames[i * 6], static_cast<std::int32_t>(i));
-    EXPECT_EQ(pcm.getXrunCount(), 0);
-}
-
-TEST_F(OpenPcm, AFailedReadIsWarnedOfCountedAndLeavesCapturePreparedWithNothingRunning) {
+    card().beginTransport();
+    EXPECT_EQ(cycle(100), 7);
+    EXPECT_EQ(pcm_->getXrunCount(), 1);
+    EXPECT_EQ(log_.startingWith("Warn stream recovery, hw:0,0 ").size(), 1u);
+    EXPECT_THAT(log_.startingWith("Warn stream recovery").front(), HasSubstr(": Broken pipe(-32)"));
+    pcm_->dropAndPrepare();
     fillAndStart();
-    card.onCapture = [](long, long) { return -EPIPE; };
-    EXPECT_FALSE(pcm.read(frames.data()));
-    EXPECT_EQ(pcm.getXrunCount(), 1);
-    EXPECT_TRUE(log.has("Warn stream recovery, hw:0,0 capture: Broken pipe(-32)"));
-    EXPECT_EQ(snd_pcm_state(pcm.getCaptureHandle()), SND_PCM_STATE_PREPARED);
-    EXPECT_FALSE(card.captureRuns);
+    EXPECT_EQ(cycle(100), 100);
+    EXPECT_EQ(pcm_->getXrunCount(), 1);
+}
 
-    card.onCapture = nullptr;
-    const std::size_t before = card.calls.size();
-    pcm.dropAndPrepare();
-    EXPECT_EQ(card.callsSince(before),
-              (Lines{"capture stop", "playback stop", "capture prepare", "playback prepare"}));
+INSTANTIATE_TEST_SUITE_P(Each, PcmFault,
+                         ::testing::Values("xrun-capture@7", "xrun-playback@7", "short-read@7"));
+
+TEST_F(Pcm, FailedReadNamesTheCaptureAndFailedWriteThePlayback) {
+    configureFault("xrun-capture@0");
+    open();
     fillAndStart();
-    EXPECT_TRUE(card.captureRuns);
-    EXPECT_TRUE(pcm.read(frames.data()));
-    EXPECT_EQ(pcm.getXrunCount(), 1);
-}
-
-TEST_F(OpenPcm, AFailedWriteIsWarnedOfAndCounted) {
+    card().beginTransport();
+    EXPECT_FALSE(pcm_->read(period_.data()));
+    EXPECT_TRUE(log_.has("Warn stream recovery, hw:0,0 capture: Broken pipe(-32)"));
+    pcm_.reset();
+    configureFault("xrun-playback@0");
+    open();
     fillAndStart();
-    card.onPlayback = [](long, long) { return -EPIPE; };
-    ASSERT_TRUE(pcm.read(frames.data()));
-    EXPECT_FALSE(pcm.write(frames.data()));
-    EXPECT_EQ(pcm.getXrunCount(), 1);
-    EXPECT_TRUE(log.has("Warn stream recovery, hw:0,0 playback: Broken pipe(-32)"));
-    EXPECT_EQ(snd_pcm_state(pcm.getPlaybackHandle()), SND_PCM_STATE_PREPARED);
+    card().beginTransport();
+    EXPECT_TRUE(pcm_->read(period_.data()));
+    EXPECT_FALSE(pcm_->write(silence_.data()));
+    EXPECT_TRUE(log_.has("Warn stream recovery, hw:0,0 playback: Broken pipe(-32)"));
 }
 
-TEST_F(OpenPcm, AnUnderrunThatTheCardSeesFailsTheNextWrite) {
+TEST_F(Pcm, CaptureIsPreparedAfterAFailedReadButDoesNotRun) {
+    configureFault("xrun-capture@3");
+    open();
     fillAndStart();
-    for (int i = 0; i < 3; ++i)
-        ASSERT_TRUE(pcm.read(frames.data()));
-    EXPECT_FALSE(pcm.write(frames.data())) << "the card is a period past what was written";
-    EXPECT_EQ(pcm.getXrunCount(), 1);
+    card().beginTransport();
+    EXPECT_EQ(cycle(100), 3);
+    card().virtualTime().waitUntil(std::chrono::seconds(1));
+    EXPECT_EQ(snd_pcm_state(pcm_->getCaptureHandle()), SND_PCM_STATE_PREPARED);
 }
 
-// The library answers a blocking write of nothing at once when the buffer is full and nothing runs.
-TEST_F(OpenPcm, AStreamThatMovesNothingIsAFailureAndNoEndlessLoop) {
-    EXPECT_TRUE(pcm.write(silence.data()));
-    EXPECT_TRUE(pcm.write(silence.data()));
-    EXPECT_FALSE(pcm.write(silence.data()));
-    EXPECT_TRUE(log.has("Warn stream recovery, hw:0,0 playback: Input/output error(-5)"));
-}
-
-TEST_F(OpenPcm, RecoveryPreparesAfterAnUnderrunAndAfterAnyOtherError) {
+TEST_F(Pcm, DeviceThatIsGoneFailsUntilItIsBack) {
+    configureFault("gone@3+10");
+    open();
     fillAndStart();
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getPlaybackHandle(), -EPIPE), 0);
-    EXPECT_EQ(snd_pcm_state(pcm.getPlaybackHandle()), SND_PCM_STATE_PREPARED);
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getCaptureHandle(), -EIO), 0);
-    EXPECT_EQ(snd_pcm_state(pcm.getCaptureHandle()), SND_PCM_STATE_PREPARED);
-    EXPECT_EQ(pcm.getXrunCount(), 2);
-    EXPECT_TRUE(log.has("Warn stream recovery, hw:0,0: Broken pipe(-32)"));
-    EXPECT_TRUE(log.has("Warn stream recovery, hw:0,0: Input/output error(-5)"));
+    card().beginTransport();
+    EXPECT_EQ(cycle(100), 3);
+    pcm_->dropAndPrepare();
+    EXPECT_FALSE(pcm_->write(silence_.data()));
+    EXPECT_LT(pcm_->start(), 0);
+    EXPECT_FALSE(pcm_->read(period_.data()));
+    EXPECT_EQ(pcm_->getXrunCount(), 3);
+    card().virtualTime().waitUntil(card().virtualTime().now() + std::chrono::milliseconds(8));
+    pcm_->dropAndPrepare();
+    fillAndStart();
+    EXPECT_EQ(cycle(100), 100);
+    EXPECT_EQ(pcm_->getXrunCount(), 3);
 }
 
-TEST_F(OpenPcm, RecoveryWarnsWhenTheStreamCannotBePrepared) {
-    card.prepareResult = -ENODEV;
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getPlaybackHandle(), -EPIPE), -ENODEV);
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getPlaybackHandle(), -EIO), -ENODEV);
-    EXPECT_TRUE(log.has("Warn Can't recover from underrun, prepare failed: No such device"));
-    EXPECT_TRUE(log.has("Warn Can't recover from unexpected error, prepare failed: No such device"));
+TEST_F(Pcm, RecoveryPreparesAndCounts) {
+    configure();
+    open();
+    fillAndStart();
+    EXPECT_EQ(pcm_->xrunRecovery(pcm_->getCaptureHandle(), -EPIPE), 0);
+    EXPECT_EQ(snd_pcm_state(pcm_->getCaptureHandle()), SND_PCM_STATE_PREPARED);
+    EXPECT_EQ(pcm_->xrunRecovery(pcm_->getPlaybackHandle(), -EIO), 0);
+    // A stream that is not suspended resumes at once.
+    EXPECT_EQ(pcm_->xrunRecovery(pcm_->getPlaybackHandle(), -ESTRPIPE), 0);
+    EXPECT_EQ(pcm_->getXrunCount(), 3);
+    EXPECT_TRUE(log_.has("Warn stream recovery, hw:0,0: Broken pipe(-32)"));
+    EXPECT_TRUE(log_.has("Warn stream recovery, hw:0,0: Streams pipe error(-86)"));
 }
 
-// Time passes at once, and is written down.
-class NotedClock : public tvk::Clock {
-public:
-    NotedClock() { install(this); }
-    ~NotedClock() override { install(nullptr); }
-    std::chrono::nanoseconds now() override { return std::chrono::nanoseconds(0); }
-    void sleepFor(std::chrono::nanoseconds duration) override { sleeps.push_back(duration); }
-    int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
-    std::vector<std::chrono::nanoseconds> sleeps;
-};
-
-TEST_F(OpenPcm, ASuspendedStreamIsResumedWithASecondBetweenTries) {
-    NotedClock clock;
-    resumeCalls = 0;
-    resumeResults = {-EAGAIN, -EAGAIN, 0};
-    const std::size_t before = card.calls.size();
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getPlaybackHandle(), -ESTRPIPE), 0);
-    EXPECT_EQ(resumeCalls, 3);
-    EXPECT_EQ(card.callsSince(before), Lines{}) << "a resumed stream goes on where it was";
-    EXPECT_EQ(clock.sleeps, (std::vector<std::chrono::nanoseconds>(2, std::chrono::seconds(1))));
-    EXPECT_EQ(pcm.getXrunCount(), 1);
+TEST_F(Pcm, RecoveryThatFailsNamesItsKind) {
+    configureFault("gone@0+100");
+    open();
+    fillAndStart();
+    card().beginTransport();
+    EXPECT_FALSE(pcm_->read(period_.data()));
+    EXPECT_LT(pcm_->xrunRecovery(pcm_->getCaptureHandle(), -EPIPE), 0);
+    EXPECT_LT(pcm_->xrunRecovery(pcm_->getCaptureHandle(), -EIO), 0);
+    EXPECT_EQ(log_.startingWith("Warn Can't recover from underrun, prepare failed: ").size(), 1u);
+    EXPECT_EQ(log_.startingWith("Warn Can't recover from unexpected error, prepare failed: ").size(), 1u);
 }
 
-TEST_F(OpenPcm, AStreamThatCannotBeResumedIsPrepared) {
-    resumeResults = {-ENOSYS};
-    const std::size_t before = card.calls.size();
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getPlaybackHandle(), -ESTRPIPE), 0);
-    EXPECT_EQ(card.callsSince(before), Lines{"playback prepare"});
-    card.prepareResult = -ENODEV;
-    EXPECT_EQ(pcm.xrunRecovery(pcm.getPlaybackHandle(), -ESTRPIPE), -ENODEV);
-    EXPECT_TRUE(log.has("Warn Can't recover from suspend, prepare failed: No such device"));
+TEST_F(Pcm, DestructorTellsTheXrunsAndClosesInOrder) {
+    configureFault("xrun-capture@2");
+    open();
+    fillAndStart();
+    card().beginTransport();
+    cycle(100);
+    log_.clear();
+    pcm_.reset();
+    std::vector<std::string> texts;
+    for (const std::string& line : log_.lines())
+        texts.push_back(line.substr(line.find(": ") + 2));
+    EXPECT_THAT(texts, ElementsAre("Detected 1 xruns.", "calling drain", "calling close"));
 }
-
-TEST_F(AudioAlsaPcmTest, TheEndDrainsAndClosesCaptureBeforePlayback) {
-    std::size_t before = 0;
-    {
-        AudioAlsaPcm pcm(sixChannels(), sixChannels(), true);
-        pcm.start();
-        before = card.calls.size();
-        log.clear();
-    }
-    EXPECT_EQ(log.lines(), (Lines{"AudioAlsaPcm: Detected 0 xruns.", "AudioAlsaPcm: calling drain",
-                                  "AudioAlsaPcm: calling close"}));
-    Lines calls = card.callsSince(before);
-    std::erase_if(calls, [](const std::string& call) { return call.find("stop") != std::string::npos; });
-    EXPECT_EQ(calls, (Lines{"capture drain", "playback drain", "capture close", "playback close"}));
-}
-
-TEST_F(AudioAlsaPcmTest, WithoutTheLinkNothingIsSaidOfIt) {
-    const AudioAlsaPcm pcm(sixChannels(), sixChannels(), false);
-    EXPECT_TRUE(log.startingWith("Warn ").empty());
-}
-
-TEST_F(AudioAlsaPcmTest, ADeviceThatDoesNotOpenFailsWithItsName) {
-    PcmConfiguration missing = sixChannels();
-    missing.device = "no_such_device";
-    EXPECT_EQ(thrownFor(missing, sixChannels()), "Error opening Playback PCM device no_such_device");
-    card.calls.clear();
-    EXPECT_EQ(thrownFor(sixChannels(), missing), "Error opening Capture PCM device no_such_device");
-    EXPECT_EQ(card.callsSince(0), (Lines{"playback open", "playback close"})) << "no handle survives";
-}
-
-TEST_F(AudioAlsaPcmTest, ADeviceOfAnotherRateFailsAndIsNotUsedAtThatRate) {
-    card.rateHz = 48000;
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error The rate 44100 Hz is not supported by your hardware."));
-    EXPECT_TRUE(log.has("Error  ==> Using 48000 Hz instead."));
-    EXPECT_EQ(card.callsSince(0),
-              (Lines{"playback open", "capture open", "capture close", "playback close"}));
-}
-
-TEST_F(AudioAlsaPcmTest, EachParameterThatIsRefusedFailsInItsOwnWords) {
-    const std::string invalid = ". Invalid argument";
-    card.accesses = {4};
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error invalid access type" + invalid));
-
-    card = TestCard();
-    card.formats = {2};
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error invalid format" + invalid));
-
-    card = TestCard();
-    card.channels = 2;
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error Error setting channels = 6" + invalid));
-
-    card = TestCard();
-    card.mostPeriods = 1;
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error Error setting periods :2" + invalid));
-
-    card = TestCard();
-    card.hwParamsResult = -EBUSY;
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error Error setting HW params. Device or resource busy"));
-
-    card = TestCard();
-    card.swParamsResult = -EBUSY;
-    EXPECT_EQ(thrown(), "setHwParams failed for playbackHandle");
-    EXPECT_TRUE(log.has("Error Unable to set sw params: Device or resource busy"));
-}
-
-TEST_F(AudioAlsaPcmTest, ARefusalOfCaptureAloneNamesCapture) {
-    PcmConfiguration stereo;
-    EXPECT_EQ(thrownFor(sixChannels(), stereo), "setHwParams failed for captureHandle");
-    EXPECT_TRUE(log.has("Error Error setting channels = 2. Invalid argument"));
-}
-
-}  // namespace
