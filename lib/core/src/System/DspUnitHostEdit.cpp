@@ -115,9 +115,28 @@ void DspUnitHost::moveDspUnit(const std::string& nodeId, const std::string& loca
 }
 
 void DspUnitHost::dropUnit(const std::string& nodeId) {
+    forgetOutputs(*getDspUnit(nodeId));
     runlist().remove(getDspUnit(nodeId));
     runlist().swap();
     nodes_.erase(nodeId);
+}
+
+void DspUnitHost::forgetOutputs(const IDspUnit& leaving) {
+    for (auto& [id, node] : nodes_) {
+        for (int channel = 0; channel < node->getNumInputs(); ++channel) {
+            for (int output = 0; output < leaving.getNumOutputs(); ++output) {
+                if (node->getInputAddr(channel) != leaving.getOutputAddr(output)) continue;
+                // Connecting the others anew gives the channel the address of the last of them.
+                const std::list<int> others = node->getInputConnections(channel);
+                for (const int other : others)
+                    node->disconnectInput(channel, other);
+                for (const AudioConnection& other : findConnections({others}))
+                    node->connectInput(channel,
+                                       getDspUnit(other.inputNodeId)->getOutputAddr(other.inputIndex),
+                                       other.connectionId);
+            }
+        }
+    }
 }
 
 void DspUnitHost::removeDspUnit(const std::string& nodeId) {

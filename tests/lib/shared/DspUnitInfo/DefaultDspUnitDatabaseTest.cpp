@@ -33,8 +33,21 @@ TEST(DefaultDspUnitDatabase, TheDefaultIsAStereoPassThroughNamedUnknown) {
 TEST(DefaultDspUnitDatabase, HoldsTheUtilityUnitsAndTheProductsOwn) {
     const DefaultDspUnitDatabase database;
     for (const char* id : {"Default", "PassthruMono", "PassthruStereo", "Sum2", "Fanout2", "DU_StereoAdder",
-                           "DU_StereoMixer", "DUBS_Passthru"})
+                           "DU_StereoMixer", "DUBS_Passthru", "DUBS_NorvaneArvelReverb65"})
         EXPECT_TRUE(database.contains(id)) << id;
+}
+
+TEST(DefaultDspUnitDatabase, TheFlagshipsControlsStandInTheOrderOfThePanel) {
+    const std::vector<std::string> expected{
+        "idNormalVol",  "idNormalTreb",  "idNormalMid",  "idNormalBass",  "idNormalBright",
+        "idVibratoVol", "idVibratoTreb", "idVibratoMid", "idVibratoBass", "idVibratoBright",
+        "idReverb",     "idReverbMute",  "idSpeed",      "idIntensity",   "idTremoloMute"};
+    const DefaultDspUnitDatabase database;
+    std::vector<std::string> got;
+    const Json definition = Json::parse(database.getDefinition("DUBS_NorvaneArvelReverb65"));
+    for (const auto& control : definition["ui"]["uiParameters"])
+        got.push_back(control["controlId"]);
+    EXPECT_EQ(got, expected);
 }
 
 TEST(DspUnitInputVoltageMappingConfig, IsAnErrorToReadBeforeItIsSet) {

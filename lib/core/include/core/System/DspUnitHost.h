@@ -162,6 +162,9 @@ private:
                      const std::vector<std::list<int>>& oldConnections);
     void muteBeforeReplacement(IDspUnit& unit, const std::string& nodeId) const;
     void dropUnit(const std::string& nodeId);
+    // An input with several connections keeps the address of the last one made even after that one is gone;
+    // no input may keep one of a unit that goes.
+    void forgetOutputs(const IDspUnit& leaving);
     void remakeConnections(const std::string& oldId, const IDspUnit& unit,
                            const std::vector<AudioConnection>& incoming,
                            const std::vector<AudioConnection>& outgoing);

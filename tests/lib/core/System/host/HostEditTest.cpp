@@ -231,6 +231,14 @@ TEST_F(HostEditTest, WithoutATableNoUnitFitsTheBudget) {
     EXPECT_EQ(log.count("Error over cpu budget"), 3);
 }
 
+TEST_F(HostEditTest, AnInputFallsBackToItsOtherConnectionWhenTheUnitItHearsGoes) {
+    const std::string added = add(node("", "Offset", 1000));
+    host.connectAll(added, "preset");
+    expectOutput(1000.0f, 1000.0f);
+    host.removeDspUnit(added);
+    expectOutput(111.25f, 111.5f);
+}
+
 class BudgetedHostTest : public HostTest {
 protected:
     BudgetedHostTest() {
