@@ -8,10 +8,15 @@ FUZZ_PACKAGES="clang-14 libclang-rt-14-dev"
 ARM64_PACKAGES="g++-aarch64-linux-gnu qemu-user libne10-dev:arm64 libasound2-dev:arm64 libsndfile1-dev:arm64
   libgtest-dev:arm64 libgmock-dev:arm64 libbenchmark-dev:arm64"
 
+# A name without an architecture means this machine's own, whatever other architectures are installed beside it.
 missing_packages() {
-  local p
-  for p in "$@"; do
-    [ "$(dpkg-query -W -f='${db:Status-Status}' "$p" 2>/dev/null)" = installed ] || printf '%s ' "$p"
+  local package name architecture
+  for package in "$@"; do
+    name=${package%%:*}
+    architecture=$(dpkg --print-architecture)
+    [ "$name" = "$package" ] || architecture=${package#*:}
+    dpkg-query -W -f='${Architecture} ${db:Status-Status}\n' "$name" 2>/dev/null |
+      grep -qxE "(all|$architecture) installed" || printf '%s ' "$package"
   done
 }
 
