@@ -14,8 +14,13 @@ const char* const kVersion = "2.0.18-0-gdaefaf3";
 
 namespace {
 
-// Enough for the deepest preset; all of it stays in memory once memory is locked.
+// Enough for the deepest preset; all of it stays in memory once memory is locked. A sanitizer keeps data of
+// its own on each stack.
+#ifdef TARVEK_SANITIZED
+constexpr std::size_t kThreadStackBytes = 8 * 1024 * 1024;
+#else
 constexpr std::size_t kThreadStackBytes = 256 * 1024;
+#endif
 
 // At once and without destructors. exit would run handlers, which a signal may have interrupted.
 void endAtOnce(int) {
