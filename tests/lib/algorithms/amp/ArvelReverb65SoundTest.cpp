@@ -1,0 +1,133 @@
+#include <cmath>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "FlagshipFeatures.h"
+
+namespace {
+
+using flagship::Case;
+using flagship::kKnobs;
+using flagship::measure;
+
+const flagship::Knobs* const kPanel5 = &kKnobs[0];
+
+class EachChannel : public testing::TestWithParam<int> {
+protected:
+    Case at1kHz(double millivolts, const flagship::Knobs* knobs = kPanel5) const {
+        return {GetParam(), knobs, 320, millivolts};
+    }
+};
+INSTANTIATE_TEST_SUITE_P(ArvelReverb65Sound, EachChannel, testing::Values(0, 1),
+                         [](const auto& which) { return which.param == 0 ? "Normal" : "Vibrato"; });
+
+TEST_P(EachChannel, TenMillivoltsAreCleanAtOneToTwoVolts) {
+    const Harmonics h = measure(at1kHz(10.0));
+    EXPECT_LT(h.thd(), 0.02);
+    EXPECT_GT(h.amplitude[1], 1.0);
+    EXPECT_LT(h.amplitude[1], 2.0);
+}
+
+TEST_P(EachChannel, AHundredMillivoltsAreWarmAtTenToTwentyVolts) {
+    const Harmonics h = measure(at1kHz(100.0));
+    EXPECT_GT(h.thd(), 0.02);
+    EXPECT_LT(h.thd(), 0.25);
+    EXPECT_GT(h.amplitude[1], 10.0);
+    EXPECT_LT(h.amplitude[1], 20.0);
+}
+
+TEST_P(EachChannel, ThreeHundredMillivoltsReachTheLimitNearTwentySixVolts) {
+    const Harmonics h = measure(at1kHz(300.0));
+    EXPECT_NEAR(h.amplitude[1], 26.0, 4.0);
+}
+
+// A weak second-order bend: twice the input, four times the second harmonic.
+TEST_P(EachChannel, TheSecondHarmonicRisesTwelveDecibelsForSixOfInputWhereClean) {
+    for (const double millivolts : {2.0, 4.0, 8.0}) {
+        const double soft = measure(at1kHz(millivolts)).amplitude[2];
+        const double loud = measure(at1kHz(2.0 * millivolts)).amplitude[2];
+        EXPECT_NEAR(20.0 * std::log10(loud / soft), 12.04, 0.6) << millivolts << " mV";
+    }
+}
+
+TEST_P(EachChannel, TheFundamentalFollowsTheInputWhereClean) {
+    const double soft = measure(at1kHz(2.0)).amplitude[1];
+    const double loud = measure(at1kHz(4.0)).amplitude[1];
+    EXPECT_NEAR(20.0 * std::log10(loud / soft), 6.02, 0.05);
+}
+
+// Valve B flat out with A cut off, the rest current taken out, through the last gain: 25.87 V.
+TEST_P(EachChannel, ThePowerIsLimitedByTheValves) {
+    double before = 0.0;
+    for (const double millivolts : {100.0, 300.0, 1000.0, 3000.0}) {
+        const Harmonics h = measure(at1kHz(millivolts));
+        EXPECT_LT(h.rms, 19.18042 * 1.3489629) << millivolts << " mV";
+        EXPECT_GT(h.rms, 0.9 * before) << millivolts << " mV";
+        before = h.rms;
+    }
+}
+
+TEST_P(EachChannel, DistortionGrowsWithTheInput) {
+    double before = 0.0;
+    for (const double millivolts : {3.0, 10.0, 30.0, 100.0, 1000.0}) {
+        const double thd = measure(at1kHz(millivolts)).thd();
+        EXPECT_GT(thd, before) << millivolts << " mV";
+        before = thd;
+    }
+}
+
+TEST_P(EachChannel, NoDirectVoltageReachesTheSpeaker) {
+    for (const double millivolts : {10.0, 300.0, 3000.0}) {
+        const Harmonics h = measure(at1kHz(millivolts));
+        EXPECT_LT(h.amplitude[0], 1e-3 * h.amplitude[1]) << millivolts << " mV";
+    }
+}
+
+struct Golden {
+    double rms, thd, harmonics[4];
+};
+
+std::map<std::string, Golden> readGolden() {
+    std::map<std::string, Golden> rows;
+    std::ifstream file(GOLDEN_FOLDER "/arvel_reverb65.csv");
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#' || line.rfind("channel", 0) == 0) continue;
+        std::size_t end = 0;
+        for (int field = 0; field < 4; ++field)
+            end = line.find(',', end) + 1;
+        Golden row{};
+        char comma = 0;
+        std::istringstream values(line.substr(end));
+        values >> row.rms >> comma >> row.thd;
+        for (double& harmonic : row.harmonics)
+            values >> comma >> harmonic;
+        EXPECT_FALSE(values.fail()) << line;
+        rows[line.substr(0, end - 1)] = row;
+    }
+    return rows;
+}
+
+TEST(ArvelReverb65Sound, IsThatOfTheGoldenTable) {
+    const std::map<std::string, Golden> rows = readGolden();
+    const std::vector<Case> cases = flagship::cases();
+    EXPECT_EQ(rows.size(), cases.size());
+    for (const Case& c : cases) {
+        const std::string name = flagship::nameOf(c);
+        ASSERT_TRUE(rows.contains(name)) << name;
+        const Golden& golden = rows.at(name);
+        const Harmonics h = measure(c);
+        EXPECT_NEAR(20.0 * std::log10(h.rms / golden.rms), 0.0, 0.1) << name;
+        EXPECT_NEAR(100.0 * h.thd(), golden.thd, 0.05 * golden.thd + 0.01) << name;
+        for (int i = 0; i < 4; ++i) {
+            const double expected = std::pow(10.0, golden.harmonics[i] / 20.0);
+            const double actual = std::pow(10.0, h.db(i + 2) / 20.0);
+            EXPECT_NEAR(actual, expected, 0.06 * expected + 1e-4) << name << " H" << i + 2;
+        }
+    }
+}
+
+}  // namespace
