@@ -12,6 +12,7 @@
 #include "core/System/DspUnitAudioBufferStorage.h"
 #include "core/System/DspUnitInputVoltageMappingConfig.h"
 #include "proj/models/audio/AudioProcessor.h"
+#include "shared/Presets/BuiltInPresets.h"
 #include "support/AudioWhileWaiting.h"
 #include "support/LogRecorder.h"
 #include "support/RealtimeGuard.h"
@@ -436,7 +437,7 @@ TEST_F(AudioProcessorTest, ProcessNeitherAllocatesNorLocksThroughLoadsKnobsAndRe
     const RealtimeGuard guard;
     cycles(20);
     for (int round = 0; round < 3; ++round) {
-        load(kPassthruPreset);
+        load(tvk::builtInPreset(2));
         for (int control = 0; control < 15; ++control) {
             processor->setKnob(static_cast<AmpControl>(control), 0.1f * static_cast<float>(round));
             cycle();

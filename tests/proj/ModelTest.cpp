@@ -205,6 +205,41 @@ TEST_F(ModelTest, BeforeTheFirstPresetEverySetterOnlyLogsItsLine) {
     });
 }
 
+TEST_F(ModelTest, EveryForwarderReachesItsControlOfTheFlagship) {
+    with([&](Model& model) {
+        model.setAudioProcessingPreset(2);
+        const auto reaches = [&](const char* line, auto call) {
+            log.clear();
+            call();
+            const Lines lines = log.lines();
+            EXPECT_TRUE(std::any_of(lines.begin(), lines.end(), [line](const std::string& text) {
+                return text.size() > 2 && text.substr(text.find(": ") + 2) == line;
+            })) << line;
+        };
+        reaches("setNormalVol(0.250)", [&] { model.setNormalVolume(0.25f); });
+        reaches("setNormalTreb(0.250)", [&] { model.setNormalTreble(0.25f); });
+        reaches("setNormalMid(0.250)", [&] { model.setNormalMiddle(0.25f); });
+        reaches("setNormalBass(0.250)", [&] { model.setNormalBass(0.25f); });
+        reaches("setNormalBright(1)", [&] { model.setNormalBrightSwitch(true); });
+        reaches("setVibratoVol(0.250)", [&] { model.setVibratoVolume(0.25f); });
+        reaches("setVibratoTreb(0.250)", [&] { model.setVibratoTreble(0.25f); });
+        reaches("setVibratoMid(0.250)", [&] { model.setVibratoMiddle(0.25f); });
+        reaches("setVibratoBass(0.250)", [&] { model.setVibratoBass(0.25f); });
+        reaches("setVibratoBright(1)", [&] { model.setVibratoBrightSwitch(true); });
+        reaches("setReverb(0.250)", [&] { model.setVibratoReverb(0.25f); });
+        reaches("setReverbMute(1)", [&] { model.setVibratoReverbMute(true); });
+        reaches("setSpeed(0.250)", [&] { model.setVibratoSpeed(0.25f); });
+        reaches("setIntensity(0.250)", [&] { model.setVibratoIntensity(0.25f); });
+        reaches("setTremoloMute(1)", [&] { model.setVibratoTremoloMute(true); });
+        reaches("setCabinet(a.wav)", [&] { model.setCabsim("a.wav"); });
+        reaches("setCabinetHPF(80.000)", [&] { model.setCabsimHPF(80.0f); });
+        reaches("setCabinetLPF(8000.000)", [&] { model.setCabsimLPF(8000.0f); });
+        reaches("setCabinetLevel(-3.000)", [&] { model.setCabsimLevel(-3.0f); });
+        reaches("setReverbTaper(1)", [&] { model.setReverbTaper(1); });
+        reaches("setCabinet(none)", [&] { model.setCabsimTestMode(1); });
+    });
+}
+
 TEST_F(ModelTest, ATestCabinetBeyondTheThirdIsAnError) {
     with([&](Model& model) {
         for (const int position : {3, -1}) {
