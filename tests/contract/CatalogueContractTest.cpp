@@ -1,12 +1,14 @@
 // What every unit of the catalogue owes, whatever it does: one set of tests for each type id.
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/Parameter/Parameter.h"
@@ -208,6 +210,46 @@ TEST_P(CatalogueContract, ProcessNeitherAllocatesNorLocksNorLogs) {
     }
     EXPECT_EQ(guard.violations(), RealtimeGuard::Violations{});
     EXPECT_EQ(tvk::log::drainRealtimeRing(), 0) << "lines were logged";
+}
+
+TEST_P(CatalogueContract, ParametersMayChangeWhileTheUnitRuns) {
+    std::atomic<bool> running{true};
+    std::atomic<bool> isFinite{true};
+    std::thread audio([&] {
+        while (running.load(std::memory_order_relaxed)) {
+            run([] { return 0.25f; });
+            if (!std::isfinite(loudest())) isFinite.store(false);
+        }
+    });
+    std::mt19937 random(13);
+    const Json controls = definition()["ui"]["uiParameters"];
+    for (int i = 0; i < 200; ++i)
+        shake(random, controls);
+    running.store(false);
+    audio.join();
+    EXPECT_TRUE(isFinite);
+}
+
+TEST_P(CatalogueContract, EveryBlockLengthAndRateIsServed) {
+    std::mt19937 random(17);
+    std::uniform_real_distribution<float> noise(-1.0f, 1.0f);
+    for (const float rate : {44100.0f, 48000.0f, 96000.0f}) {
+        for (const int block : {1, 7, 32, 100}) {
+            const auto other = catalogue().createDspUnit(GetParam(), block, rate);
+            std::vector<float> input(static_cast<size_t>(block));
+            for (int c = 0; c < other->getNumInputs(); ++c)
+                other->connectInput(c, input.data(), c + 1);
+            for (int n = 0; n < 4000; n += block) {
+                for (float& sample : input)
+                    sample = noise(random);
+                other->process();
+                for (int c = 0; c < other->getNumOutputs(); ++c)
+                    for (int i = 0; i < block; ++i)
+                        ASSERT_TRUE(std::fabs(other->getOutputAddr(c)[i]) <= kLoudest)
+                            << "rate " << rate << ", block " << block << ", sample " << n + i;
+            }
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryUnit, CatalogueContract, testing::ValuesIn(catalogue().getIds()),
