@@ -27,8 +27,9 @@ void DeskSession::run(Model& model, StopSignal& stop) {
 
     writer_.start([&model] { return model.getXrunCount(); });
     card_.beginTransport();
-    while (!card_.transportFinished() && !stop.arrived())
+    while (!card_.transportFinished() && !stop.arrived() && !writer_.hasFailed())
         Clock::current().sleepFor(kLook);
+    card_.endTransport();
     writer_.finish();
 }
 

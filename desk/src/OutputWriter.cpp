@@ -51,6 +51,7 @@ void OutputWriter::start(std::function<long()> xruns) {
             run();
         } catch (...) {
             failure_ = std::current_exception();
+            hasFailed_.store(true, std::memory_order_relaxed);
             // The card goes on and its output with it: under the virtual clock it would wait for room.
             while (isRunning_.load(std::memory_order_relaxed)) {
                 std::array<FrameRing::Frame, kFramesAtOnce> lost;

@@ -31,6 +31,9 @@ public:
     // Starts the thread. xruns is asked from it until finish returns.
     void start(std::function<long()> xruns);
 
+    // True once the medium has failed; finish tells how. Any thread.
+    bool hasFailed() const { return hasFailed_.load(std::memory_order_relaxed); }
+
     // Writes what is left and ends. Throws what went wrong on the way.
     void finish();
 
@@ -46,6 +49,7 @@ private:
     LevelMeter levels_;
     std::function<long()> xruns_;
     std::atomic<bool> isRunning_{false};
+    std::atomic<bool> hasFailed_{false};
     std::exception_ptr failure_;
     std::thread thread_;
 };

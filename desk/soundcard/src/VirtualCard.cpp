@@ -49,6 +49,7 @@ void VirtualCard::configure(Settings settings) {
     wakeLateness_.clear();
     requestFrame_.store(kNoFrame);
     finished_.store(false);
+    isOutputWanted_.store(true);
     captureXruns_.store(0);
     playbackXruns_.store(0);
     lostFrames_.store(0);
@@ -256,16 +257,20 @@ void VirtualCard::playOut(std::int64_t cardFrame) {
 
 void VirtualCard::emit(std::int64_t cardFrame, FrameRing::Frame frame) {
     const auto index = static_cast<std::uint64_t>(cardFrame - origin_);
-    if (index < settings_.transportFrames) {
-        bool isPushed = output_.push(frame);
-        // Under the virtual clock the disk may take its time: nothing is late.
-        while (!isPushed && settings_.clock == ClockMode::Virtual) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            isPushed = output_.push(frame);
-        }
-        if (!isPushed) lostFrames_.fetch_add(1, std::memory_order_relaxed);
-    }
+    if (index < settings_.transportFrames) push(frame);
     if (index + 1 == settings_.transportFrames) finished_.store(true, std::memory_order_release);
+}
+
+void VirtualCard::push(FrameRing::Frame frame) {
+    while (isOutputWanted_.load(std::memory_order_relaxed)) {
+        if (output_.push(frame)) return;
+        if (settings_.clock == ClockMode::Real) {
+            lostFrames_.fetch_add(1, std::memory_order_relaxed);
+            return;
+        }
+        // Under the virtual clock the disk may take its time: nothing is late.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 std::chrono::nanoseconds VirtualCard::nextProgress(Direction direction) {

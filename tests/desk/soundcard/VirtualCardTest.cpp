@@ -263,6 +263,21 @@ TEST_F(Card, OutputHasExactlyTheTransportsFrames) {
     EXPECT_EQ(output().size(), 100u);
 }
 
+TEST_F(Card, OutputThatNobodyTakesHoldsNothingUpAfterTheTransportsEnd) {
+    configure({});
+    open();
+    begin();
+    card().beginTransport();
+    card().endTransport();
+    Period period;
+    // Longer than there is room for.
+    for (int i = 0; i < 10000; ++i) {
+        ASSERT_EQ(read(period), kFrames);
+        ASSERT_EQ(write(silence_), kFrames);
+    }
+    EXPECT_EQ(output().size(), 0u);
+}
+
 TEST_F(Card, UnwrittenPlaybackUnderrunsWhenItsLastFrameHasPlayed) {
     configure({});
     open();

@@ -76,6 +76,9 @@ public:
     // The guitar starts, and the output with it, at the next period that begins. Once. Any thread.
     void beginTransport();
 
+    // Throws away all output from now on: nobody will take it. Any thread.
+    void endTransport() { isOutputWanted_.store(false, std::memory_order_relaxed); }
+
     // True once the transport's last frame has been played and can be taken. Any thread.
     bool transportFinished() const { return finished_.load(std::memory_order_acquire); }
 
@@ -144,6 +147,7 @@ private:
     void noteWake(std::int64_t awaitedFrame);
     void playOut(std::int64_t cardFrame);
     void emit(std::int64_t cardFrame, FrameRing::Frame frame);
+    void push(FrameRing::Frame frame);
     float guitarAt(int which, std::int64_t transportFrame) const;
 
     Settings settings_;
@@ -164,6 +168,7 @@ private:
     Histogram wakeLateness_;
     std::atomic<std::int64_t> requestFrame_{kNoFrame};
     std::atomic<bool> finished_{false};
+    std::atomic<bool> isOutputWanted_{true};
     std::atomic<long> captureXruns_{0};
     std::atomic<long> playbackXruns_{0};
     std::atomic<std::uint64_t> lostFrames_{0};
