@@ -1,4 +1,5 @@
-// What is timed: one object that processes 32-frame blocks of a guitar.
+// What is timed: objects that process a guitar in blocks of 32 frames. A new one is a line in one of the
+// tables.
 #pragma once
 
 #include <functional>
@@ -11,14 +12,19 @@ namespace bench {
 constexpr int kBlockLength = 32;
 constexpr float kSampleRateHz = 44100.0f;
 
-// A full-scale sample in volts at the jack: a guitar that peaks at -12 dBFS gives 300 mV.
-constexpr float kFullScaleVolts = 1.2f;
+// A full-scale sample in volts at the jack, as in the product profile.
+constexpr float kFullScaleVolts = 1.194f;
 
 class Case {
 public:
+    // Blocks between two turns of the control side.
+    static constexpr int kBlocksPerTurn = 16;
+
     virtual ~Case() = default;
-    // in: one block of the guitar, 1.0 = full scale. index: the block's number.
-    virtual void process(const float* in, int index) = 0;
+    // in: one block of the guitar, 1.0 = full scale.
+    virtual void process(const float* in) = 0;
+    // Turns knobs; its own time does not count, that of the ramps it starts does.
+    virtual void control(int turn) { static_cast<void>(turn); }
 };
 
 struct NamedCase {
@@ -26,7 +32,10 @@ struct NamedCase {
     std::function<std::unique_ptr<Case>()> make;
 };
 
-// All cases, in the order of the report.
+std::vector<NamedCase> ampCases();
+std::vector<NamedCase> primitiveCases();
+
+// Both, the amp first.
 const std::vector<NamedCase>& cases();
 
 }  // namespace bench

@@ -5,8 +5,6 @@
 #include <limits>
 #include <numeric>
 
-#include "Reference.h"
-
 namespace bench {
 namespace {
 
@@ -27,44 +25,63 @@ double clockMicroseconds() {
 
 }  // namespace
 
-Cost measure(Case& unit, const std::vector<float>& guitar, int repeats) {
-    const int blocks = static_cast<int>(guitar.size()) / kBlockLength;
-    const auto block = [&](int i) { return guitar.data() + i * kBlockLength; };
+LowestCosts::LowestCosts(int positions)
+    : costs_(static_cast<std::size_t>(positions), std::numeric_limits<double>::max()) {}
 
-    double mean = std::numeric_limits<double>::max();
-    for (int repeat = 0; repeat < repeats; ++repeat) {
-        const double start = nowMicroseconds();
-        for (int i = 0; i < blocks; ++i)
-            unit.process(block(i), i);
-        mean = std::min(mean, (nowMicroseconds() - start) / blocks);
-    }
-
-    // An interruption hits one repeat of a block; what a block costs in every repeat is its own.
-    const double clock = clockMicroseconds();
-    std::vector<double> lowest(static_cast<std::size_t>(blocks), std::numeric_limits<double>::max());
-    for (int repeat = 0; repeat < repeats; ++repeat) {
-        for (int i = 0; i < blocks; ++i) {
-            const double start = nowMicroseconds();
-            unit.process(block(i), i);
-            double& cost = lowest[static_cast<std::size_t>(i)];
-            cost = std::min(cost, std::max(nowMicroseconds() - start - clock, 0.0));
-        }
-    }
-    const double meanOfLowest = std::accumulate(lowest.begin(), lowest.end(), 0.0) / blocks;
-    return {mean, *std::max_element(lowest.begin(), lowest.end()) / meanOfLowest};
+void LowestCosts::add(int position, double cost) {
+    double& lowest = costs_[static_cast<std::size_t>(position)];
+    lowest = std::min(lowest, cost);
 }
 
-double measureReference(int runs) {
-    constexpr int kPairs = 50;
-    static Reference reference;
-    double lowest = std::numeric_limits<double>::max();
-    for (int run = 0; run < runs; ++run) {
+double LowestCosts::mean() const {
+    return std::accumulate(costs_.begin(), costs_.end(), 0.0) / static_cast<double>(costs_.size());
+}
+
+double LowestCosts::highest() const {
+    return *std::max_element(costs_.begin(), costs_.end());
+}
+
+Measurement::Measurement(const NamedCase& named, const std::vector<float>& guitar)
+    : name_(named.name),
+      unit_(named.make()),
+      guitar_(guitar),
+      turns_(static_cast<int>(guitar.size()) / (kBlockLength * Case::kBlocksPerTurn)),
+      turnCosts_(turns_),
+      blockCosts_(turns_ * Case::kBlocksPerTurn) {}
+
+void Measurement::round(int repeats) {
+    const auto play = [&](int i) { unit_->process(guitar_.data() + i * kBlockLength); };
+
+    // A whole turn between two readings of the clock keeps the clock out of the mean.
+    for (int repeat = 0; repeat < repeats; ++repeat) {
+        for (int turn = 0; turn < turns_; ++turn) {
+            unit_->control(turn);
+            const double start = nowMicroseconds();
+            for (int i = 0; i < Case::kBlocksPerTurn; ++i)
+                play(turn * Case::kBlocksPerTurn + i);
+            turnCosts_.add(turn, nowMicroseconds() - start);
+        }
+    }
+
+    const double clock = clockMicroseconds();
+    for (int repeat = 0; repeat < repeats; ++repeat) {
+        for (int i = 0; i < turns_ * Case::kBlocksPerTurn; ++i) {
+            if (i % Case::kBlocksPerTurn == 0) unit_->control(i / Case::kBlocksPerTurn);
+            const double start = nowMicroseconds();
+            play(i);
+            blockCosts_.add(i, std::max(nowMicroseconds() - start - clock, 0.0));
+        }
+    }
+}
+
+void ReferenceMeasurement::round(int repeats) {
+    constexpr int kPairs = 5;
+    for (int repeat = 0; repeat < repeats; ++repeat) {
         const double start = nowMicroseconds();
         for (int i = 0; i < kPairs; ++i)
-            reference.run();
-        lowest = std::min(lowest, (nowMicroseconds() - start) / kPairs);
+            reference_.run();
+        cost_.add(0, (nowMicroseconds() - start) / kPairs);
     }
-    return lowest;
 }
 
 }  // namespace bench

@@ -1,21 +1,63 @@
 // Timing of cases over a stretch of guitar.
+//
+// Every figure is a minimum over repeats: an interruption hits one repeat, what a thing costs in every repeat
+// is its own. The repeats come in rounds that go through all cases, so that a machine that is slow for a
+// while is so for every case and for the reference.
 #pragma once
 
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "Cases.h"
+#include "Reference.h"
 
 namespace bench {
 
-struct Cost {
-    double meanMicroseconds;  // per block, the lowest of the repeats' means
-    double worstOverMean;  // the dearest block position over the mean of all, each its minimum over repeats
+// The lowest cost seen at each position.
+class LowestCosts {
+public:
+    explicit LowestCosts(int positions);
+    void add(int position, double cost);
+    double mean() const;
+    double highest() const;
+
+private:
+    std::vector<double> costs_;
 };
 
-// The guitar is played to the case `repeats` times, without a reset in between.
-Cost measure(Case& unit, const std::vector<float>& guitar, int repeats);
+class Measurement {
+public:
+    // guitar: whole turns of Case::kBlocksPerTurn blocks; it outlives the measurement.
+    Measurement(const NamedCase& named, const std::vector<float>& guitar);
 
-// Microseconds of one pair of transforms, the lowest mean of a few runs.
-double measureReference(int runs);
+    // Plays the guitar `repeats` times in turns and as often block by block, without a reset in between.
+    void round(int repeats);
+
+    const std::string& name() const { return name_; }
+    // Microseconds per block: the mean over all turns.
+    double meanMicroseconds() const { return turnCosts_.mean() / Case::kBlocksPerTurn; }
+    // The dearest block position over the mean of all positions.
+    double worstOverMean() const { return blockCosts_.highest() / blockCosts_.mean(); }
+
+private:
+    std::string name_;
+    std::unique_ptr<Case> unit_;
+    const std::vector<float>& guitar_;
+    int turns_;
+    LowestCosts turnCosts_;
+    LowestCosts blockCosts_;
+};
+
+class ReferenceMeasurement {
+public:
+    void round(int repeats);
+    // Microseconds of one pair of transforms.
+    double microseconds() const { return cost_.mean(); }
+
+private:
+    Reference reference_;
+    LowestCosts cost_{1};
+};
 
 }  // namespace bench

@@ -1,12 +1,16 @@
 // tarvek-bench: the cost of a 32-frame block of every part of the sound, with a guitar as its input.
 #include <CLI/CLI.hpp>
 #include <benchmark/benchmark.h>
+#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
 #include <sys/resource.h>
+#include <vector>
 
 #include "Cases.h"
 #include "Measure.h"
@@ -16,27 +20,20 @@
 
 namespace {
 
-// Long enough for loud and quiet playing, short enough to stay in the cache beside the unit under test.
-constexpr int kGuitarBlocks = 1378;
-constexpr int kRepeats = 60;
+// A second of guitar: attacks and decays, and short enough to stay in the cache beside the unit under test.
+constexpr int kGuitarBlocks = 86 * bench::Case::kBlocksPerTurn;
+
+// The summary's rounds: enough to find each block undisturbed on a busy machine, none started after the time.
+constexpr int kRounds = 10;
+constexpr double kLastRoundSeconds = 25.0;
+constexpr int kRepeatsPerRound = 5;
+constexpr int kReferenceRepeatsPerRound = 100;
 
 std::vector<float> loadGuitar(const std::string& path) {
     const tvk::GuitarFile file(path, static_cast<int>(bench::kSampleRateHz));
     std::vector<float> guitar = file.input(0);
     guitar.resize(static_cast<std::size_t>(kGuitarBlocks * bench::kBlockLength));
     return guitar;
-}
-
-std::string defaultGuitar() {
-    const std::filesystem::path folder = TARVEK_BENCH_GUITAR;
-    std::vector<std::string> files;
-    if (std::filesystem::is_directory(folder)) {
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            if (entry.path().extension() == ".wav") files.push_back(entry.path().string());
-        }
-    }
-    std::sort(files.begin(), files.end());
-    return files.empty() ? (folder / "guitar.wav").string() : files.front();
 }
 
 long peakMemoryKib() {
@@ -56,37 +53,45 @@ nlohmann::ordered_json binarySizes() {
 }
 
 void writeSummary(const std::string& path, const std::vector<float>& guitar) {
-    nlohmann::ordered_json costs;
-    nlohmann::ordered_json worst;
+    std::ofstream file(path);
+    if (!file) throw std::runtime_error("cannot write " + path);
     const tvk::RealtimeThreadScope denormalsFlushed;
-    double reference = bench::measureReference(40);
-    for (const auto& named : bench::cases()) {
-        const auto unit = named.make();
-        const bench::Cost cost = bench::measure(*unit, guitar, kRepeats);
-        costs[named.name] = cost.meanMicroseconds;
-        worst[named.name] = cost.worstOverMean;
-        // Spread over the run, so that a machine that slows down slows both sides of a ratio.
-        reference = std::min(reference, bench::measureReference(5));
+    const auto start = std::chrono::steady_clock::now();
+    bench::ReferenceMeasurement reference;
+    std::vector<bench::Measurement> measurements;
+    for (const auto& named : bench::cases())
+        measurements.emplace_back(named, guitar);
+    for (int round = 0; round < kRounds; ++round) {
+        reference.round(kReferenceRepeatsPerRound);
+        for (auto& measurement : measurements)
+            measurement.round(kRepeatsPerRound);
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        if (elapsed.count() > kLastRoundSeconds) break;
     }
 
+    nlohmann::ordered_json costs;
     nlohmann::ordered_json ratios;
-    std::printf("reference %.2f us: %s\n%-28s %10s %10s %12s\n", reference, bench::Reference::name(),
-                "cost of a 32-frame block", "us", "ratio", "worst/mean");
-    for (const auto& [name, cost] : costs.items()) {
-        ratios[name] = cost.get<double>() / reference;
-        std::printf("%-28s %10.3f %10.4f %12.2f\n", name.c_str(), cost.get<double>(),
-                    ratios[name].get<double>(), worst[name].get<double>());
+    nlohmann::ordered_json worst;
+    std::printf("reference %.2f us: %s\n", reference.microseconds(), bench::Reference::name());
+    std::printf("%-28s %10s %10s %12s\n", "cost of a 32-frame block", "us", "ratio", "worst/mean");
+    for (const auto& measurement : measurements) {
+        const double cost = measurement.meanMicroseconds();
+        const double ratio = cost / reference.microseconds();
+        costs[measurement.name()] = cost;
+        ratios[measurement.name()] = ratio;
+        worst[measurement.name()] = measurement.worstOverMean();
+        std::printf("%-28s %10.3f %10.4f %12.2f\n", measurement.name().c_str(), cost, ratio,
+                    measurement.worstOverMean());
     }
-    std::printf("peak memory %ld KiB\n", peakMemoryKib());
-
+    const long memory = peakMemoryKib();
+    std::printf("peak memory %ld KiB\n", memory);
     const nlohmann::ordered_json summary{{"reference", bench::Reference::name()},
-                                         {"reference_us", reference},
+                                         {"reference_us", reference.microseconds()},
                                          {"ratios", ratios},
                                          {"us_per_block", costs},
                                          {"worst_block_over_mean", worst},
-                                         {"peak_memory_kib", peakMemoryKib()},
+                                         {"peak_memory_kib", memory},
                                          {"binary_bytes", binarySizes()}};
-    std::ofstream file(path);
     file << summary.dump(2) << '\n';
     if (!file.flush()) throw std::runtime_error("cannot write " + path);
 }
@@ -103,7 +108,12 @@ void registerBenchmarks(const std::vector<float>& guitar) {
             const auto unit = named.make();
             int i = 0;
             for (auto _ : state) {
-                unit->process(guitar.data() + i * bench::kBlockLength, i);
+                if (i % bench::Case::kBlocksPerTurn == 0) {
+                    state.PauseTiming();
+                    unit->control(i / bench::Case::kBlocksPerTurn);
+                    state.ResumeTiming();
+                }
+                unit->process(guitar.data() + i * bench::kBlockLength);
                 i = i + 1 < kGuitarBlocks ? i + 1 : 0;
             }
         });
@@ -115,7 +125,7 @@ void registerBenchmarks(const std::vector<float>& guitar) {
 int main(int argc, char** argv) {
     CLI::App app{"The cost of a 32-frame block of every part of the sound, with a guitar as its input."};
     std::string summaryPath;
-    std::string guitarPath = defaultGuitar();
+    std::string guitarPath = TARVEK_BENCH_GUITAR;
     app.add_option("--summary", summaryPath,
                    "Write costs, and their ratios to an 8192-point transform pair, as JSON and end.\n"
                    "Example: tarvek-bench --summary bench.json");
