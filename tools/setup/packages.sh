@@ -1,5 +1,8 @@
 # Which Debian packages each way of building needs, and one function that installs what is missing.
-# Sourced by ./run and ./test.
+# Sourced by ./run and ./test from the root of the checkout.
+
+# Checkouts share compiled objects wherever they lie.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=true
 
 BUILD_PACKAGES="g++ cmake ninja-build ccache pkg-config libasound2-dev libfftw3-dev nlohmann-json3-dev libcli11-dev
   libsndfile1-dev libgtest-dev libgmock-dev libbenchmark-dev"
