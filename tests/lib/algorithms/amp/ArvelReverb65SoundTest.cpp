@@ -19,7 +19,7 @@ const flagship::Knobs* const kPanel5 = &kKnobs[0];
 class EachChannel : public testing::TestWithParam<int> {
 protected:
     Case at1kHz(double millivolts, const flagship::Knobs* knobs = kPanel5) const {
-        return {GetParam(), knobs, 320, millivolts};
+        return {GetParam(), knobs, flagship::k1kHz, millivolts};
     }
 };
 INSTANTIATE_TEST_SUITE_P(ArvelReverb65Sound, EachChannel, testing::Values(0, 1),

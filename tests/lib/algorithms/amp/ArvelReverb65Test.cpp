@@ -43,7 +43,7 @@ Feeds play(ArvelReverb65& amp, const std::vector<float>& normal, const std::vect
 
 TEST(ArvelReverb65, NothingInGivesNothingOut) {
     ArvelReverb65 amp(kBlock, kSampleRate, kVolts, true);
-    play(amp, silence(4000), silence(4000));
+    play(amp, silence(1500), silence(1500));
     const Feeds out = play(amp, silence(10), silence(10));
     for (std::size_t n = 0; n < out.speaker.size(); ++n) {
         EXPECT_LT(std::abs(out.speaker[n]), 1e-12f);
@@ -290,7 +290,7 @@ TEST(ArvelReverb65, ControlsMayMoveOnAnotherThreadWhileAudioRuns) {
             amp.setCabinetHPF(600.0f * knob(random), isInit);
         }
     });
-    const Feeds out = play(amp, guitar(2000, 220.0), guitar(2000, 330.0));
+    const Feeds out = play(amp, guitar(500, 220.0), guitar(500, 330.0));
     isDone.store(true);
     panel.join();
     for (const float y : out.speaker)

@@ -14,7 +14,8 @@ namespace flagship {
 
 constexpr int kBlock = 32;
 constexpr float kSampleRate = 44100.0f;
-constexpr int kWindow = 14112;  // 0.32 s, whole periods of all frequencies in use
+constexpr int kWindow = 4096;  // 93 ms
+constexpr int k1kHz = 93;      // whole periods in a window, an odd number so that no two samples repeat
 constexpr int kHighestHarmonic = 7;
 
 struct Knobs {
@@ -38,14 +39,14 @@ constexpr Knobs kKnobs[] = {
 struct Case {
     int channel;  // 0 normal, 1 vibrato
     const Knobs* knobs;
-    int cyclesPerWindow;  // 320 is 1 kHz
+    int cyclesPerWindow;  // of kWindow samples
     double millivolts;    // peak at the jack
 };
 
 inline std::string nameOf(const Case& c) {
     char text[96];
     std::snprintf(text, sizeof text, "%s,%s,%.0f,%.0f", c.channel == 0 ? "normal" : "vibrato", c.knobs->name,
-                  c.cyclesPerWindow / 0.32, c.millivolts);
+                  c.cyclesPerWindow * kSampleRate / kWindow, c.millivolts);
     return text;
 }
 
@@ -73,8 +74,8 @@ inline std::vector<Case> cases() {
     for (const int channel : {0, 1}) {
         for (const Knobs& knobs : kKnobs)
             for (const double millivolts : {10.0, 30.0, 100.0, 300.0})
-                all.push_back({channel, &knobs, 320, millivolts});
-        for (const int cycles : {32, 128, 960})  // 100, 400 and 3000 Hz
+                all.push_back({channel, &knobs, k1kHz, millivolts});
+        for (const int cycles : {9, 37, 279})  // 97, 398 and 3004 Hz
             for (const double millivolts : {10.0, 100.0})
                 all.push_back({channel, &kKnobs[0], cycles, millivolts});
     }
