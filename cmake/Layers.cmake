@@ -17,11 +17,13 @@ function(tarvek_layer name)
   endif()
 endfunction()
 
-# tarvek_tests(<name> [DEPENDS <targets>...])
+# tarvek_tests(<name> [NATIVE] [DEPENDS <targets>...])
 #
 # One test program of all *.cpp in this folder, each test its own ctest entry.
+# NATIVE labels tests that cannot run under emulation, such as those that start
+# programs of ours.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "NATIVE" "" "DEPENDS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS *.cpp)
   if(NOT sources)
     return()
@@ -29,5 +31,9 @@ function(tarvek_tests name)
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+  set(labels)
+  if(ARG_NATIVE)
+    set(labels LABELS native)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 ${labels})
 endfunction()
