@@ -2,6 +2,7 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <ostream>
 
 #include "DeskRun.h"
 
@@ -13,6 +14,10 @@ struct Trouble {
     std::size_t lostPeriods;  // between the failure and the restart
     long xruns;
 };
+
+void PrintTo(const Trouble& trouble, std::ostream* stream) {
+    *stream << trouble.fault;
+}
 
 constexpr std::size_t kFaultyPeriod = 1000;
 
