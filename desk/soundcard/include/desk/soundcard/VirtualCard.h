@@ -159,7 +159,7 @@ private:
     Stream playback_;
     std::int64_t origin_ = kNoFrame;  // card frame of transport frame 0
     bool isInTransport_ = false;
-    std::int64_t playedUpTo_ = 0;     // card frame; all before it has been played
+    std::int64_t playedUpTo_ = 0;  // card frame; all before it has been played
     std::vector<bool> faultIsDone_;
     std::int64_t shortReadEnd_ = kNoFrame;          // capture position at which a short read breaks off
     std::vector<FrameRing::Frame> playbackBuffer_;  // written, not yet played; indexed by position
