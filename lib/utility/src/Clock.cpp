@@ -1,9 +1,8 @@
 #include "utility/Clock.h"
 
+#include <atomic>
 #include <cerrno>
 #include <ctime>
-
-#include <atomic>
 
 namespace tvk {
 

@@ -1,8 +1,7 @@
 #include "utility/RealtimeLogWriter.h"
 
-#include <pthread.h>
-
 #include <chrono>
+#include <pthread.h>
 
 #include "utility/Clock.h"
 #include "utility/Log.h"

@@ -1,17 +1,15 @@
-#include "wav/GuitarFile.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sndfile.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <limits>
+#include <sndfile.h>
+#include <unistd.h>
 #include <vector>
 
 #include "utility/Exception.h"
+#include "wav/GuitarFile.h"
 
 namespace {
 
@@ -36,8 +34,7 @@ protected:
         info.format = container | subtype;
         SNDFILE* handle = sf_open(file.c_str(), SFM_WRITE, &info);
         EXPECT_NE(handle, nullptr) << sf_strerror(nullptr);
-        sf_writef_float(handle, interleaved.data(),
-                        static_cast<sf_count_t>(interleaved.size()) / channels);
+        sf_writef_float(handle, interleaved.data(), static_cast<sf_count_t>(interleaved.size()) / channels);
         sf_close(handle);
         return file;
     }

@@ -1,16 +1,14 @@
-#include "wav/WavWriter.h"
-
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "utility/Exception.h"
 #include "wav/GuitarFile.h"
+#include "wav/WavWriter.h"
 
 namespace {
 

@@ -1,9 +1,8 @@
 #include "wav/GuitarFile.h"
 
-#include <sndfile.h>
-
 #include <cmath>
 #include <memory>
+#include <sndfile.h>
 
 #include "utility/Exception.h"
 
@@ -36,7 +35,8 @@ GuitarFile::GuitarFile(const std::string& path, int rateHz) {
     const std::unique_ptr<SNDFILE, CloseSoundFile> file(sf_open(path.c_str(), SFM_READ, &info));
     if (!file) TVK_THROW("cannot read guitar file '%s': %s", path.c_str(), sf_strerror(nullptr));
     if (!isSupported(info.format))
-        TVK_THROW("guitar file '%s' is not a WAV of 16, 24 or 32 bit integers or 32-bit floats", path.c_str());
+        TVK_THROW("guitar file '%s' is not a WAV of 16, 24 or 32 bit integers or 32-bit floats",
+                  path.c_str());
     if (info.channels != 1 && info.channels != kGraphInputs)
         TVK_THROW("guitar file '%s' has %d channels; one or two are taken", path.c_str(), info.channels);
     if (info.samplerate != rateHz)

@@ -3,7 +3,8 @@
 
 namespace tables {
 
-// Segment i holds where breakpoints[i - 1] < x <= breakpoints[i]; the first reaches down to -1, the last up to
+// Segment i holds where breakpoints[i - 1] < x <= breakpoints[i]; the first reaches down to -1, the last up
+// to
 // 1. Its value is ((a x + b) x + c) x + d in x itself, not in the distance from the segment's start.
 struct ValveCurve {
     float breakpoints[7];

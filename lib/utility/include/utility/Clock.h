@@ -4,9 +4,8 @@
 // its place: then a minute of waiting takes as long as the work that is done in it, and a run repeats.
 #pragma once
 
-#include <poll.h>
-
 #include <chrono>
+#include <poll.h>
 
 namespace tvk {
 
