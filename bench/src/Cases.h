@@ -34,8 +34,9 @@ struct NamedCase {
 
 std::vector<NamedCase> ampCases();
 std::vector<NamedCase> primitiveCases();
+std::vector<NamedCase> modulationCases();
 
-// Both, the amp first.
+// All of them, the amp first.
 const std::vector<NamedCase>& cases();
 
 }  // namespace bench

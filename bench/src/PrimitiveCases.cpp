@@ -115,8 +115,8 @@ std::vector<NamedCase> primitiveCases() {
 const std::vector<NamedCase>& cases() {
     static const std::vector<NamedCase> kCases = [] {
         std::vector<NamedCase> all = ampCases();
-        for (NamedCase& named : primitiveCases())
-            all.push_back(std::move(named));
+        for (auto&& more : {primitiveCases(), modulationCases()})
+            all.insert(all.end(), more.begin(), more.end());
         return all;
     }();
     return kCases;
