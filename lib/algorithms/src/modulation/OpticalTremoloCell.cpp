@@ -15,22 +15,30 @@ constexpr float kFirstKnob = 0.3f;
 
 using Line = BlockRamp::Line;
 
+// side: -1 while the lamp is lit, 1 while it is dark.
 TARVEK_MULTIVERSION
-void lightLamp(const float* sines, Line threshold, int32_t* lit, int count) {
+void lightLamp(const float* sines, Line threshold, float* side, int count) {
     for (int n = 0; n < count; ++n)
-        lit[n] = sines[n] > threshold.at(n);
+        side[n] = sines[n] > threshold.at(n) ? -1.0f : 1.0f;
 }
 
+// The two branches in one: r((e - 0.5) slope) in the dark, 1 - r((0.5 - e) slope) in the light.
 TARVEK_MULTIVERSION
-void photocellGains(const int32_t* lit, const float* envelopes, Line slope, Line lampFloor, Line depth,
-                    Line mute, float* gains, int count) {
+void photocellShunt(const float* side, const float* envelopes, Line slope, Line lampFloor, float* shunt,
+                    int count) {
     for (int n = 0; n < count; ++n) {
-        const float z = (envelopes[n] - 0.5f) * slope.at(n);
-        const float r = photocellLaw(lit[n] ? -z : z);
-        const float c = (lit[n] ? 1.0f - r : r) * (1.0f - lampFloor.at(n));
-        const float notBelow0 = c > 0.0f ? c : 0.0f;
-        const float limited = notBelow0 < 1.0f ? notBelow0 : 1.0f;
-        gains[n] = 1.0f - limited * (depth.at(n) * mute.at(n));
+        const float r = photocellLaw(side[n] * (envelopes[n] - 0.5f) * slope.at(n));
+        shunt[n] = (0.5f + side[n] * (r - 0.5f)) * (1.0f - lampFloor.at(n));
+    }
+}
+
+// Apart from photocellShunt, since the compiler gives up on vectors when the limits stand in that loop.
+TARVEK_MULTIVERSION
+void gainsOfShunt(const float* shunt, Line depth, Line mute, float* gains, int count) {
+    for (int n = 0; n < count; ++n) {
+        const float notBelow0 = shunt[n] > 0.0f ? shunt[n] : 0.0f;
+        const float c = notBelow0 < 1.0f ? notBelow0 : 1.0f;
+        gains[n] = 1.0f - c * (depth.at(n) * mute.at(n));
     }
 }
 
@@ -71,8 +79,9 @@ OpticalTremoloCell::OpticalTremoloCell(int blockLength, float sampleRateHz,
       mute_(kControlSeconds, sampleRateHz, blockLength),
       sine_(ranges.slowestHz, sampleRateHz),
       sines_(static_cast<std::size_t>(blockLength), 0.0f),
-      lit_(sines_.size(), 0),
+      side_(sines_),
       envelopes_(sines_),
+      shunt_(sines_),
       gains_(sines_) {
     applySpeed(kFirstKnob, true);
     applyIntensity(kFirstKnob, true);
@@ -96,19 +105,21 @@ void OpticalTremoloCell::process(const float* inLeft, const float* inRight, floa
 void OpticalTremoloCell::gains(float* out) {
     sine_.setFrequency(rate_.nextValue());
     sine_.tick(sines_.data(), blockLength_);
-    lightLamp(sines_.data(), threshold_.next(), lit_.data(), blockLength_);
+    lightLamp(sines_.data(), threshold_.next(), side_.data(), blockLength_);
     runLamp();
-    photocellGains(lit_.data(), envelopes_.data(), slope_.next(), lampFloor_.next(), depth_.next(),
-                   mute_.next(), out, blockLength_);
+    photocellShunt(side_.data(), envelopes_.data(), slope_.next(), lampFloor_.next(), shunt_.data(),
+                   blockLength_);
+    gainsOfShunt(shunt_.data(), depth_.next(), mute_.next(), out, blockLength_);
 }
 
 void OpticalTremoloCell::runLamp() {
     const float fallPerSample = 1.0f / (sampleRate_ * fallingTime_.nextValue());
     for (int n = 0; n < blockLength_;) {
         int end = n + 1;
-        while (end < blockLength_ && lit_[end] == lit_[n])
+        while (end < blockLength_ && side_[end] == side_[n])
             ++end;
-        envelope_ = ramp(envelope_, lit_[n] ? risePerSample_ : -fallPerSample, &envelopes_[n], end - n);
+        envelope_ =
+            ramp(envelope_, side_[n] < 0.0f ? risePerSample_ : -fallPerSample, &envelopes_[n], end - n);
         n = end;
     }
 }

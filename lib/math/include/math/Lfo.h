@@ -17,8 +17,8 @@ public:
     // The next count ticks.
     virtual void tick(float* out, int count) = 0;
     virtual void setFrequency(float hz) = 0;
-    // A phase offset in cycles, finite. Calls move the phase by the difference to the call before, so that
-    // a modulating signal can be fed in without a jump.
+    // A phase offset in cycles, up to a million. Calls move the phase by the difference to the call before,
+    // so that a modulating signal can be fed in without a jump.
     virtual void setPhase(float cycles) = 0;
     virtual void setAmplitude(float amplitude) { amplitude_ = amplitude; }
     virtual void setOffset(float offset) { offset_ = offset; }

@@ -14,7 +14,7 @@ public:
         increment_ = static_cast<uint32_t>(static_cast<int64_t>(kCycle * hz / sampleRateHz + 0.5));
     }
 
-    // Moves the phase by the difference to the last offset. cycles: finite.
+    // Moves the phase by the difference to the last offset. cycles: as for fromCycles.
     void setOffset(float cycles) {
         const uint32_t offset = fromCycles(cycles);
         phase_ += offset - lastOffset_;
@@ -36,9 +36,11 @@ public:
         return static_cast<float>(static_cast<int32_t>(phase)) * kScale;
     }
 
-    // The rounding to a quarter of the integer's range keeps half a cycle within it.
+    // cycles: up to a million of either sign. The way over a quarter of the integer's range keeps half a
+    // cycle within it, that over a conversion keeps a loop of these in vectors.
     static uint32_t fromCycles(float cycles) {
-        const float fraction = cycles - std::floor(cycles + 0.5f);
+        const int32_t nearest = static_cast<int32_t>(cycles + std::copysign(0.5f, cycles));
+        const float fraction = cycles - static_cast<float>(nearest);
         return static_cast<uint32_t>(static_cast<int32_t>(fraction * 1073741824.0f)) << 2;
     }
 

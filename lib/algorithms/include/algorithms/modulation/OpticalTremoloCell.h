@@ -17,7 +17,6 @@
 // Threads: setters from control threads, one at a time; process and gains on the audio thread.
 #pragma once
 
-#include <cstdint>
 #include <vector>
 
 #include "math/BlockRamp.h"
@@ -83,7 +82,8 @@ private:
     StandardTaper slopeTaper_{"t10r"};
     // Work arrays of a block.
     std::vector<float> sines_;
-    std::vector<int32_t> lit_;
+    std::vector<float> side_;
     std::vector<float> envelopes_;
+    std::vector<float> shunt_;
     std::vector<float> gains_;
 };
