@@ -21,7 +21,7 @@
 #include "algorithms/amp/ArvelReverb65.h"
 #include "algorithms/amp/OutputSoftClipper.h"
 #include "core/DspUnitBypassStereo/DspUnitBypassStereo.h"
-#include "core/units/amp/ModelControl.h"
+#include "core/units/control/ModelControl.h"
 
 class DUBS_NorvaneArvelReverb65 final : public DspUnitBypassStereo {
 public:

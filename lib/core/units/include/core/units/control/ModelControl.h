@@ -1,8 +1,12 @@
-// One control of an amp unit: its parameter, its stored value and the call that takes it to the algorithm.
+// One control of a unit: its parameter, its stored value and the call that takes it to the algorithm.
 //
-// A live change runs Parameter<T>::set -> set: log "setNAME(value)", store, apply(value, false). A preset
-// load runs Parameter<T>::init -> init: log "initNAME(value)", store, apply(value, true). Floats are logged
-// as %0.3f, bools and ints as %d, strings as %s, under the unit's tag.
+// A live change runs Parameter<T>::set -> set: log, store, apply(value, false). A preset load runs
+// Parameter<T>::init -> init: log, store, apply(value, true). Under the unit's tag, with NAME the log name:
+//
+//   ControlLog::Call       "setNAME(value)", "initNAME(value)",    floats as %0.3f      amps
+//   ControlLog::Sentence   "NAME set, value", "NAME init, value",  floats as %f         effects
+//
+// Bools and ints are logged as %d, strings as %s.
 //
 // T is one of float, int, bool and std::string. Control threads only, one at a time.
 #pragma once
@@ -13,6 +17,8 @@
 #include "core/Parameter/Parameter.h"
 
 class DspArchive;
+
+enum class ControlLog { Call, Sentence };
 
 // A control whatever its value type, for loops over a unit's controls.
 class IModelControl {
@@ -32,11 +38,14 @@ public:
 
     // tag and logName are literals. initial goes to the algorithm through init at once.
     ModelControl(const char* tag, const char* parameterName, const char* logName, const T& initial,
-                 Apply apply);
+                 Apply apply, ControlLog style = ControlLog::Call);
 
     IParameter* parameter() override { return &parameter_; }
     void read(DspArchive& archive) override;
     void write(DspArchive& archive) const override;
+
+    // The algorithm has this value by another way: stores it and tells the observers.
+    void adopt(const T& value);
 
 private:
     void set(const T& value);
@@ -46,6 +55,7 @@ private:
     const char* const tag_;
     const char* const logName_;
     const Apply apply_;
+    const ControlLog style_;
     T value_;
     Parameter<T> parameter_;
 };
