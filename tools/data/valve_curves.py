@@ -128,13 +128,13 @@ def render():
 
 def write():
     PATH.write_text(render())
-    report()
+    report(models())
 
 
-def report():
-    """Prints what the acceptance asks of each curve."""
+def report(of):
+    """Prints what the acceptance asks of each curve. of: {name: model}."""
     x = np.linspace(-1.0, 1.0, 40001)
-    for name, model in models().items():
+    for name, model in of.items():
         table = fitted(model)
         error = np.abs(spline.evaluate(table.breakpoints, table.segments, x) - model.curve(x))
         rest = float(table.segments[list(table.breakpoints).index(0.0)][3])
