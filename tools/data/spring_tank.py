@@ -40,7 +40,7 @@ TRANSFORM = 1 << 20  # 23.8 s: what wraps around is 400 dB down
 
 # The crossing time of the first spring: a plain delay, and a share of a stretched allpass of coefficient a.
 #   tau(f) = PLAIN + ALLPASS (1 - a^2) / (1 + a^2 + 2 a cos(pi f / TRANSITION))
-PLAIN_SECONDS = 33.24e-3
+PLAIN_SECONDS = 32.56e-3
 ALLPASS_SECONDS = 4.626e-3
 ALLPASS_COEFFICIENT = 0.5
 TRANSITION_HZ = 4100.0
@@ -54,8 +54,8 @@ LOW_CUT_HZ, LOW_CUT_ORDER = 110.0, 2
 HIGH_CUT_HZ, HIGH_CUT_ORDER = 4300.0, 8
 
 # How much the phase of one crossing strays because the wire is uneven, in radians rms, and over which width in Hz.
-UNEVENNESS_RADIANS = 0.10
-UNEVENNESS_HZ = 60.0
+UNEVENNESS_RADIANS = 0.30
+UNEVENNESS_HZ = 40.0
 
 
 @dataclasses.dataclass(frozen=True)
@@ -65,7 +65,7 @@ class Spring:
     seed: int
 
 
-SPRINGS = (Spring(1.0, 1.0, 11), Spring(1.0417, -0.84, 12), Spring(1.0893, 0.72, 13))
+SPRINGS = (Spring(1.0, 1.0, 52), Spring(1.034, -0.59, 15), Spring(1.0686, -0.77, 84))
 
 QUIET_BEFORE_SECONDS = 0.030
 FADE_SECONDS = 0.003
