@@ -6,11 +6,16 @@
 //
 #include "../kernels/CubicSegments.inl"
 #include "../kernels/Fir.inl"
+#include "../kernels/LongFir.inl"
 #include "../kernels/OnePoleHighPass.inl"
+#include "../kernels/RealButterfly.inl"
+#include "../kernels/SpectrumChunks.inl"
 
 namespace fft {
 
 extern const VectorKernels kVectorKernelsAvx2;
-const VectorKernels kVectorKernelsAvx2{firSplit, firMerge, cubicSegments, onePoleHighPass};
+const VectorKernels kVectorKernelsAvx2{firSplit,      firMerge,        longFir,
+                                       cubicSegments, onePoleHighPass, binsToChunks,
+                                       chunksToBins,  sumProducts,     realButterfly};
 
 }  // namespace fft

@@ -2,6 +2,7 @@
 
 #include <NE10.h>
 #include <bit>
+#include <cstdio>
 #include <stdexcept>
 
 namespace fft {
@@ -11,10 +12,17 @@ ne10_fft_cpx_float32_t* bins(std::complex<float>* values) {
     return reinterpret_cast<ne10_fft_cpx_float32_t*>(values);
 }
 
+// The library is asked once a process; the forms called below do not depend on its answer.
+void initialiseLibrary() {
+    static const bool isInitialised = ne10_init() == NE10_OK;
+    static const int complaint = isInitialised ? 0 : std::fputs("Failed to initialise Ne10.\n", stderr);
+    static_cast<void>(complaint);
+}
+
 }  // namespace
 
 struct RealFft::Plan {
-    explicit Plan(int size) : config(ne10_fft_alloc_r2c_float32(size)) {
+    explicit Plan(int size) : config((initialiseLibrary(), ne10_fft_alloc_r2c_float32(size))) {
         if (!config) throw std::bad_alloc();
     }
     ~Plan() { ne10_fft_destroy_r2c_float32(config); }

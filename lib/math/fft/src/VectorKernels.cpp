@@ -4,7 +4,10 @@
 //
 #include "../kernels/CubicSegments.inl"
 #include "../kernels/Fir.inl"
+#include "../kernels/LongFir.inl"
 #include "../kernels/OnePoleHighPass.inl"
+#include "../kernels/RealButterfly.inl"
+#include "../kernels/SpectrumChunks.inl"
 
 namespace fft {
 
@@ -13,7 +16,9 @@ extern const VectorKernels kVectorKernelsAvx2;
 #endif
 
 const VectorKernels& portableVectorKernels() {
-    static constexpr VectorKernels kKernels{firSplit, firMerge, cubicSegments, onePoleHighPass};
+    static constexpr VectorKernels kKernels{firSplit,      firMerge,        longFir,
+                                            cubicSegments, onePoleHighPass, binsToChunks,
+                                            chunksToBins,  sumProducts,     realButterfly};
     return kKernels;
 }
 

@@ -12,12 +12,11 @@
 #include "math/PartitionSpectra.h"
 
 struct PreparedResponse {
-    // ir: irLength samples. smallBlock: block of the middle; headLength: K, the block of the tail; samples
-    // both, K a multiple of smallBlock, otherwise std::invalid_argument.
-    PreparedResponse(const float* ir, int irLength, int smallBlock, int headLength);
+    // ir: irLength samples. Throws std::invalid_argument unless tapsOfHead is a multiple of blockOfMiddle.
+    PreparedResponse(const float* ir, int irLength, int blockOfMiddle, int tapsOfHead);
 
-    int smallBlock;
-    int headLength;
+    int smallBlock;  // block of the middle in samples
+    int headLength;  // K in samples
     std::shared_ptr<const DirectFirCoefficients> head;
     std::shared_ptr<const PartitionSpectra> middle;
     std::shared_ptr<const PartitionSpectra> tail;

@@ -15,18 +15,20 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "math/SplitConvolver.h"
+#include "utility/AudioFileReader.h"
 #include "utility/Flaggable.h"
 #include "utility/TarvekThread.h"
 
 class IRProcessor : public Flaggable<TarvekThread> {
 public:
-    // blockSize: frames of a call to process. irCapacity: samples used of a response. firstBlock: kept, no
-    // effect. middleBlock: transform block of the middle. headLength: K in samples. cpu, priority and name:
-    // the helper's. sampleRate: Hz, the only one that files may have. The helper starts here. Throws
-    // std::invalid_argument for sizes that do not fit.
-    IRProcessor(int blockSize, int irCapacity, int firstBlock, int middleBlock, int headLength, int cpu,
+    // blockSize: frames of a call to process. irCapacity: samples used of a response. The third argument is
+    // kept for the callers that pass it and has no effect. middleBlock: transform block of the middle.
+    // headLength: K in samples. cpu, priority and name: the helper's. sampleRate: Hz, the only one that files
+    // may have. The helper starts here. Throws std::invalid_argument for sizes that do not fit.
+    IRProcessor(int blockSize, int irCapacity, int unused, int middleBlock, int headLength, int cpu,
                 const std::string& name, int priority, float sampleRate);
     ~IRProcessor() override;
 
@@ -47,17 +49,20 @@ protected:
 
 private:
     void takeOutOfAudioPath();
-    bool readFile(const std::string& path, fft::AlignedFloats& irData);
+    bool readResponse(const std::string& path);
+    void swapStages();
 
     const int blockSize_;
     const float sampleRate_;
     const int irCapacity_;
-    const int firstBlock_;
     const int middleBlock_;
     const int headLength_;
     const std::chrono::nanoseconds blockPeriod_;
     SplitConvolver convolver_;
     std::atomic<std::uint8_t> inProcess_{0};
     std::atomic<std::uint8_t> active_{0};
+
     std::mutex loadMutex_;
+    AudioFileReader reader_;
+    std::vector<float> irData_;
 };

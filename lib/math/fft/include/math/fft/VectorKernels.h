@@ -1,7 +1,7 @@
-// The vector routines of the audio path: FIR sections in polyphase form, the eight-segment cubic and the
-// one-pole high-pass. One set is compiled for every processor of the platform (4 lanes: SSE2 or NEON), one
-// more on x86-64 for AVX2 with FMA (8 lanes); vectorKernels() picks at the first call. The sets agree within
-// float rounding.
+// The vector routines of the audio path: FIR sections in polyphase form and long ones, the eight-segment
+// cubic, the one-pole high-pass and the arithmetic of spectra. One set is compiled for every processor of the
+// platform (4 lanes: SSE2 or NEON), one more on x86-64 for AVX2 with FMA (8 lanes); vectorKernels() picks at
+// the first call. The sets agree within float rounding.
 //
 // "Planes" are the phases of an oversampled block stored one after the other: plane p holds samples R*n + p
 // of the R-times block, n = 0 .. N-1, and starts `stride` floats after plane p-1. None of the routines
@@ -43,6 +43,11 @@ struct VectorKernels {
     void (*firMerge)(const float* in, int stride, const float* coefficients, int phases, int taps, float* out,
                      int count);
 
+    // One long filter, its coefficients reversed in time:
+    //   out[n] = sum over j < taps of coefficients[j] * in[n + j]
+    // taps: a multiple of 32. count: a multiple of 8.
+    void (*longFir)(const float* in, const float* coefficients, int taps, float* out, int count);
+
     // out[n] = the cubic at limit(in[n] / range, -1, 1). A value equal to a breakpoint falls in the lower
     // segment. in may be out. Any count.
     void (*cubicSegments)(const CubicSegments& curve, float range, const float* in, float* out, int count);
@@ -50,6 +55,25 @@ struct VectorKernels {
     // y[m] = pole * (y[m-1] + x[m] - x[m-1]) in place, m in the order of time over filter.phases planes.
     // count: samples of one plane, any.
     void (*onePoleHighPass)(HighPassRecursion& filter, float* planes, int stride, int count);
+
+    // 16 * chunks complex bins to chunks of 16 real parts and 16 imaginary parts, `stride` floats from the
+    // start of one to that of the next, and back.
+    void (*binsToChunks)(const float* bins, float* chunk, int stride, int chunks);
+    void (*chunksToBins)(const float* chunk, int stride, float* bins, int chunks);
+
+    // Complex sums of products, bin by bin, for each chunk:
+    //   sum = start + sum over r < rows of a[r] * b[r]
+    // The rows of a chunk lie one after the other, its neighbour's rows aStride and bStride floats on; sum
+    // and start have one row. start may be sum, and null stands for zero.
+    void (*sumProducts)(const float* start, const float* a, int aStride, const float* b, int bStride,
+                        int rows, float* sum, int chunks);
+
+    // In place over the complex bins 0 to M, M = half, for k = 0 .. M/2:
+    //   e = scale (z[k] + conj z[M-k])   d = u[k] (z[k] - conj z[M-k])
+    //   z[k] = e + d                     z[M-k] = conj(e - d)
+    // which joins the transform of a real block to that of its even and odd samples, either way. twiddles: u
+    // for k < M/2; at M/2 it counts as -scale. half: a multiple of 8.
+    void (*realButterfly)(float* bins, const float* twiddles, float scale, int half);
 };
 
 // The fastest set that this processor runs.

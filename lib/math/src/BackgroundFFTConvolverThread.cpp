@@ -1,0 +1,20 @@
+#include "math/BackgroundFFTConvolverThread.h"
+
+#include "math/SplitConvolver.h"
+#include "utility/Clock.h"
+
+BackgroundFFTConvolverThread::BackgroundFFTConvolverThread(SplitConvolver& convolver, int cpu,
+                                                           const std::string& name)
+    : TarvekThread(kPriority, cpu), convolver_(convolver) {
+    setName(name);
+}
+
+BackgroundFFTConvolverThread::~BackgroundFFTConvolverThread() {
+    stop();
+    join();
+}
+
+void BackgroundFFTConvolverThread::loop() {
+    tvk::Clock::current().sleepFor(sleepMicroseconds_);
+    convolver_.runTail();
+}
