@@ -102,6 +102,15 @@ void OpticalTremoloCell::process(const float* inLeft, const float* inRight, floa
     }
 }
 
+void OpticalTremoloCell::processStereo(const float* inLeft, const float* inRight, float* outLeft,
+                                       float* outRight) {
+    gains(gains_.data());
+    for (int n = 0; n < blockLength_; ++n)
+        outLeft[n] = inLeft[n] * gains_[n];
+    for (int n = 0; n < blockLength_; ++n)
+        outRight[n] = inRight[n] * gains_[n];
+}
+
 void OpticalTremoloCell::gains(float* out) {
     sine_.setFrequency(rate_.nextValue());
     sine_.tick(sines_.data(), blockLength_);

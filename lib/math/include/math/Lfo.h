@@ -3,7 +3,7 @@
 //   value = offset + amplitude * shape(phase),   shape from -1 to 1
 //
 // A frequency is limited to 0.001 Hz from below and to half the sample rate from above. A block of ticks
-// gives what as many single ticks give, to the bit.
+// gives what as many single ticks give, within float rounding.
 //
 // Threads: all of it on the thread that ticks; frequencies come from ramps, not from control threads.
 #pragma once

@@ -47,6 +47,9 @@ public:
     // One block, both outputs the mean of the inputs times the gain. Outputs may be the inputs.
     void process(const float* inLeft, const float* inRight, float* outLeft, float* outRight);
 
+    // One block, each output its own input times the one gain. Outputs may be the inputs.
+    void processStereo(const float* inLeft, const float* inRight, float* outLeft, float* outRight);
+
     // The gains of the next block, for callers that have channels of their own.
     void gains(float* out);
 

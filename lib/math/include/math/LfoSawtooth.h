@@ -1,0 +1,33 @@
+// A saw that rises from -1 to 1 over a share of the period and falls back over the rest.
+//
+//   below risingCount     -1 + counter * riseSlope            riseSlope = 2 / risingCount
+//   at or after it         1 + (risingCount - counter) * fallSlope,   fallSlope = 2 / (period - risingCount)
+//
+// risingCount = symmetry * period: 0 only falls, 1 only rises, 0.5 is a triangle.
+#pragma once
+
+#include "math/CounterPhase.h"
+#include "math/Lfo.h"
+
+class LfoSawtooth : public Lfo {
+public:
+    // Starts as the triangle.
+    LfoSawtooth(float frequencyHz, float sampleRateHz);
+
+    float tick() override;
+    void tick(float* out, int count) override;
+    void setFrequency(float hz) override;
+    void setPhase(float cycles) override { counter_.setOffset(cycles); }
+    void reset() override { counter_.reset(); }
+    // 0 to 1, limited to that.
+    void setSymmetry(float symmetry);
+
+private:
+    void design();
+
+    CounterPhase counter_;
+    float symmetry_ = 0.5f;
+    double risingCount_ = 0.0;
+    double riseSlope_ = 0.0;
+    double fallSlope_ = 0.0;
+};
