@@ -14,6 +14,7 @@
 #include "render/Renderer.h"
 #include "shared/DspUnitInfo/DefaultDspUnitDatabase.h"
 #include "utility/Exception.h"
+#include "utility/ProductPaths.h"
 #include "wav/WavWriter.h"
 
 namespace tvk::render {
@@ -119,6 +120,8 @@ void run(const CommandLine& line, std::ostream& out) {
 }  // namespace
 
 int runTool(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+    // The product's own files, wherever this machine keeps them.
+    ProductPaths::set(kProductHome, ProductPaths::kUserData);
     try {
         run(parseCommandLine(argc, argv), out);
         return 0;

@@ -27,8 +27,8 @@ constexpr std::array<const char*, tvk::kBuiltInPresets> kPresetLines = {
     "setAudioProcessingPreset(ArvelReverb65)", "setAudioProcessingPreset(LiskoReverb65",
     "setAudioProcessingPreset(SorrelReverb)"};
 
-constexpr const char* kFirstTestCabinet = "TestCabinet1";
-constexpr const char* kSecondTestCabinet = "TestCabinet2";
+constexpr const char* kFirstTestCabinet = "/home/root/IRs/TestCabinet1";
+constexpr const char* kSecondTestCabinet = "/home/root/IRs/TestCabinet2";
 constexpr const char* kNoCabinet = "none";
 
 // The costs of the units: in the working directory, else beside the product profile.

@@ -5,12 +5,14 @@
 #include "proj/models/Model.h"
 #include "utility/Clock.h"
 #include "utility/Log.h"
+#include "utility/ProductPaths.h"
 #include "utility/RealtimeLogWriter.h"
 
 namespace tvk {
 
 void runApplication(const Platform& platform, StopSignal& stop) {
     Clock::install(platform.clock);
+    ProductPaths::set(platform.homeRoot.string(), platform.userData.string());
     log::enableDebug(true);
     const RealtimeLogWriter realtimeLogWriter;
 

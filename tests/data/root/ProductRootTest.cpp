@@ -58,7 +58,7 @@ TEST(ProductRoot, CostTableKnowsEveryUnitAndTheFlagshipFitsTheBudget) {
     for (const auto& module : table.at("modules"))
         costs[module.at("tarvekId")] = module.at("utilizationPercentage");
     for (const char* id : {"Default", "Sum2", "Fanout2", "PassthruMono", "PassthruStereo", "DU_StereoAdder",
-                           "DU_StereoMixer", "DUBS_Passthru", "DUBS_NorvaneArvelReverb65"}) {
+                           "DU_StereoMixer", "DUBS_Passthru", "DUBS_IRLoader", "DUBS_NorvaneArvelReverb65"}) {
         ASSERT_TRUE(costs.contains(id)) << id;
         EXPECT_GT(costs[id], 0.0) << id;
     }

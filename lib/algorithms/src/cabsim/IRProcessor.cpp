@@ -48,6 +48,16 @@ bool IRProcessor::load(const std::string& path) {
     return true;
 }
 
+void IRProcessor::load(std::span<const float> response) {
+    const std::lock_guard lock(loadMutex_);
+    takeOutOfAudioPath();
+    const std::size_t length = std::min(response.size(), irData_.size());
+    std::copy_n(response.begin(), length, irData_.begin());
+    std::fill(irData_.begin() + static_cast<std::ptrdiff_t>(length), irData_.end(), 0.0f);
+    swapStages();
+    active_.store(1);
+}
+
 // Sequentially consistent on both sides: either the audio thread sees active clear, or it is seen inside.
 void IRProcessor::takeOutOfAudioPath() {
     active_.store(0);

@@ -1,31 +1,41 @@
 #include "algorithms/cabsim/IRProcessorPool.h"
 
-#include <utility>
+#include <optional>
 
 namespace {
 
-std::deque<std::shared_ptr<IRProcessor>>& pool() {
-    static std::deque<std::shared_ptr<IRProcessor>> processors;
+using Processors = std::deque<std::shared_ptr<IRProcessor>>;
+
+std::optional<Processors>& pool() {
+    static std::optional<Processors> processors;
     return processors;
 }
 
 }  // namespace
 
-void IRProcessorPool::fill(const std::deque<std::shared_ptr<IRProcessor>>& processors) {
-    pool() = processors;
+void IRProcessorPool::fill(const Processors& processors) {
+    Processors present;
+    for (const std::shared_ptr<IRProcessor>& processor : processors)
+        if (processor) present.push_back(processor);
+    pool() = std::move(present);
 }
 
-std::shared_ptr<IRProcessor> IRProcessorPool::take() {
-    if (pool().empty()) return nullptr;
-    std::shared_ptr<IRProcessor> processor = std::move(pool().front());
-    pool().pop_front();
-    return processor;
+void IRProcessorPool::clear() {
+    pool().reset();
+}
+
+bool IRProcessorPool::isThere() {
+    return pool().has_value();
+}
+
+std::shared_ptr<IRProcessor> IRProcessorPool::take(std::size_t place) {
+    return place < size() ? (*pool())[place] : nullptr;
 }
 
 void IRProcessorPool::giveBack(std::shared_ptr<IRProcessor> processor) {
-    pool().push_back(std::move(processor));
+    processor.reset();
 }
 
 std::size_t IRProcessorPool::size() {
-    return pool().size();
+    return pool() ? pool()->size() : 0;
 }

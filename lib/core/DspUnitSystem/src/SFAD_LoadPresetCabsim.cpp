@@ -10,3 +10,7 @@ SFAD_LoadPresetCabsim::SFAD_LoadPresetCabsim(int numInputs, int numOutputs, cons
       cabSimQueue_{cabSim_} {
     IRProcessorPool::fill(cabSimQueue_);
 }
+
+SFAD_LoadPresetCabsim::~SFAD_LoadPresetCabsim() {
+    IRProcessorPool::clear();
+}

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "algorithms/cabsim/IRProcessor.h"
 #include "algorithms/cabsim/IRProcessorPool.h"
 #include "core/DspUnitSystem/SFAD_LoadPresetCabsim.h"
 #include "core/Parameter/Parameter.h"
@@ -219,16 +220,21 @@ TEST_F(SystemDeviceTest, WithoutACostFileTheDeviceSaysSo) {
     EXPECT_TRUE(log.has("SystemFixedAudioDevice: running without processorUtilizationFilename"));
 }
 
-TEST_F(SystemDeviceTest, TheConvolverGoesIntoThePoolOfTheCabinets) {
-    IRProcessorPool::fill({});
+TEST_F(SystemDeviceTest, TheConvolverIsInThePoolOfTheCabinetsAsLongAsTheDeviceLives) {
+    const auto convolver = std::make_shared<IRProcessor>(kBlock, 4096, 128, 64, 128, 3, "cabSim", 49, kRate);
+    {
+        const SFAD_LoadPresetCabsim other(2, 2, &database, kBlock, "", convolver, kRate);
+        EXPECT_EQ(IRProcessorPool::size(), 1u);
+        EXPECT_EQ(IRProcessorPool::take(), convolver);
+    }
+    EXPECT_FALSE(IRProcessorPool::isThere());
+    EXPECT_EQ(convolver.use_count(), 1);
+}
+
+TEST_F(SystemDeviceTest, WithoutAConvolverThePoolIsThereAndEmpty) {
+    const SFAD_LoadPresetCabsim other(2, 2, &database, kBlock, "", nullptr, kRate);
+    EXPECT_TRUE(IRProcessorPool::isThere());
     EXPECT_EQ(IRProcessorPool::take(), nullptr);
-    const std::shared_ptr<IRProcessor> none;
-    const SFAD_LoadPresetCabsim other(2, 2, &database, kBlock, "", none, kRate);
-    EXPECT_EQ(IRProcessorPool::size(), 1u);
-    IRProcessorPool::take();
-    EXPECT_EQ(IRProcessorPool::size(), 0u);
-    IRProcessorPool::giveBack(none);
-    EXPECT_EQ(IRProcessorPool::size(), 1u);
 }
 
 }  // namespace

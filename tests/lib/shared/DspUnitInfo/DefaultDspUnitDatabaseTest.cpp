@@ -33,7 +33,7 @@ TEST(DefaultDspUnitDatabase, TheDefaultIsAStereoPassThroughNamedUnknown) {
 TEST(DefaultDspUnitDatabase, HoldsTheUtilityUnitsAndTheProductsOwn) {
     const DefaultDspUnitDatabase database;
     for (const char* id : {"Default", "PassthruMono", "PassthruStereo", "Sum2", "Fanout2", "DU_StereoAdder",
-                           "DU_StereoMixer", "DUBS_Passthru", "DUBS_NorvaneArvelReverb65"})
+                           "DU_StereoMixer", "DUBS_Passthru", "DUBS_IRLoader", "DUBS_NorvaneArvelReverb65"})
         EXPECT_TRUE(database.contains(id)) << id;
 }
 

@@ -14,9 +14,11 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "algorithms/cabsim/IRStreamOwner.h"
 #include "math/SplitConvolver.h"
 #include "utility/AudioFileReader.h"
 #include "utility/Flaggable.h"
@@ -35,6 +37,13 @@ public:
     // Makes the response of a WAV or AIFF file the current one: channel 0, cut at irCapacity or padded with
     // zeros. False, and dry from now on, when the file cannot be used. Control threads; several take turns.
     bool load(const std::string& path);
+
+    // The same with a response in memory, at the system's rate.
+    void load(std::span<const float> response);
+
+    // Who may call process, when several units hold the convolver.
+    IRStreamOwner& streamOwner() { return streamOwner_; }
+    const IRStreamOwner& streamOwner() const { return streamOwner_; }
 
     // Writes one block to out: the convolution, or in while no response is loaded. count: blockSize. in and
     // out do not overlap. Audio thread.
@@ -59,6 +68,7 @@ private:
     const int headLength_;
     const std::chrono::nanoseconds blockPeriod_;
     SplitConvolver convolver_;
+    IRStreamOwner streamOwner_;
     std::atomic<std::uint8_t> inProcess_{0};
     std::atomic<std::uint8_t> active_{0};
 

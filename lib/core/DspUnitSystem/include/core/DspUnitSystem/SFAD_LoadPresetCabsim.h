@@ -16,6 +16,9 @@ public:
                           const std::string& processorUtilizationFilename,
                           std::shared_ptr<IRProcessor> cabSim, float sampleRate);
 
+    // Clears the pool; the units give their shares back when the hosts go.
+    ~SFAD_LoadPresetCabsim() override;
+
 private:
     const std::shared_ptr<IRProcessor> cabSim_;
     const std::deque<std::shared_ptr<IRProcessor>> cabSimQueue_;
