@@ -35,6 +35,7 @@ struct NamedCase {
 std::vector<NamedCase> ampCases();
 std::vector<NamedCase> primitiveCases();
 std::vector<NamedCase> modulationCases();
+std::vector<NamedCase> reverbCases();
 
 // All of them, the amp first.
 const std::vector<NamedCase>& cases();

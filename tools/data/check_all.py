@@ -12,6 +12,8 @@ FOLDER = pathlib.Path(__file__).resolve().parent
 CHECKS = (
     ("oversampling_firs.py", "--check"),
     ("valve_curves.py", "--check"),
+    ("spring_tank_curves.py", "--check"),
+    ("spring_tank.py", "--check"),
     ("guitars.py", "--check"),
     ("level_plan.py",),
 )

@@ -5,6 +5,7 @@
 
 #include "Curve.h"
 #include "tables/ArvelReverb65Curves.h"
+#include "tables/SpringTankCurves.h"
 
 inline const std::array<Curve, 5> kPreampCurves = {{
     {"normal stage 1", tables::kArvelReverb65NormalStage1, 10.0, 100.1697, 300.4954},
@@ -19,6 +20,8 @@ inline const Curve kInverterB{"inverter B", tables::kArvelReverb65PhaseInverterB
 inline const Curve kOutputA{"output valve A", tables::kArvelReverb65OutputValveA, 50.0, -18.85376,
                             -0.09345604};
 inline const Curve kOutputB{"output valve B", tables::kArvelReverb65OutputValveB, 50.0, 0.08957769, 18.84547};
+inline const Curve kTankDrive{"tank drive", tables::kSpringTankDrive, 18.95668, -2.747685, 4.608292};
+inline const Curve kTankRecovery{"tank recovery", tables::kSpringTankRecovery, 10.0, 70.13475, 207.2241};
 inline const Curve kSoftClip{"soft clip", tables::kOutputSoftClip, 1.0, -1.0, 1.0};
 
 // +1 where the curve rises.

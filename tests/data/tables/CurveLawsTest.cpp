@@ -9,7 +9,7 @@ namespace {
 
 std::vector<Curve> valveCurves() {
     std::vector<Curve> curves(kPreampCurves.begin(), kPreampCurves.end());
-    for (const Curve& curve : {kInverterA, kInverterB, kOutputA, kOutputB})
+    for (const Curve& curve : {kInverterA, kInverterB, kOutputA, kOutputB, kTankDrive, kTankRecovery})
         curves.push_back(curve);
     return curves;
 }

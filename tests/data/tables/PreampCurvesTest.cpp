@@ -1,10 +1,10 @@
 #include <array>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <numbers>
 
 #include "AmpCurves.h"
 #include "Circuits.h"
+#include "Harmonic.h"
 
 namespace {
 
@@ -62,18 +62,6 @@ TEST(PreampCurves, NormalChannelHasTheGivenBreakpoints) {
         EXPECT_EQ(kPreampCurves[0].table.breakpoints[i], stage1[i]);
         EXPECT_EQ(kPreampCurves[1].table.breakpoints[i], stage2[i]);
     }
-}
-
-double harmonic(const Curve& curve, double amplitudeVolts, int order) {
-    constexpr int kSteps = 4096;
-    double re = 0.0, im = 0.0;
-    for (int n = 0; n < kSteps; ++n) {
-        const double phase = 2.0 * std::numbers::pi * n / kSteps;
-        const double y = curve.volts(amplitudeVolts * std::cos(phase)) - curve.volts(0.0);
-        re += y * std::cos(order * phase);
-        im += y * std::sin(order * phase);
-    }
-    return std::hypot(re, im) * 2.0 / kSteps;
 }
 
 TEST(PreampCurves, SecondHarmonicLeadsTheThirdBelowATenthOfAVolt) {

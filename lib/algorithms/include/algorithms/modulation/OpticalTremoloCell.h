@@ -29,12 +29,17 @@ struct OpticalTremoloRanges {
     float fastestHz;
     float lampFloorSlow;
     float lampFloorFast;
+
+    // The knob at which the cell runs at this rate; beyond 0 to 1 outside of the range.
+    float knobOf(float hz) const { return (hz - slowestHz) / (fastestHz - slowestHz); }
 };
 
 class OpticalTremoloCell {
 public:
     // As the effect of its own.
     static constexpr OpticalTremoloRanges kUnitRanges{2.0f, 10.0f, 0.14125f, 0.19054f};
+    // As the effect whose speed is shown in Hz.
+    static constexpr OpticalTremoloRanges kHertzRanges{1.75f, 8.5f, 0.14125f, 0.19054f};
     // As the vibrato of the two-channel reverb amp.
     static constexpr OpticalTremoloRanges kArvelReverb65Ranges{3.22f, 9.9f, 0.14125374f, 0.19054608f};
 

@@ -1,0 +1,23 @@
+// TremoloHarmonic as a unit.
+//
+// Parameters: speed (Hz, 4.05), noteDivision, intensity (0 to 1, 0.78), shape (0 to 1, 0.44), mode ("6G4" or
+// "6G4A", "6G4A").
+#pragma once
+
+#include <string>
+
+#include "algorithms/modulation/TremoloHarmonic.h"
+#include "core/units/control/TempoUnit.h"
+
+class DUBS_TremoloHarmonic final : public TempoUnit {
+public:
+    // blockLength in samples, sampleRate in Hz.
+    DUBS_TremoloHarmonic(std::string tarvekId, int blockLength, float sampleRate);
+
+    using TempoUnit::process;
+    void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
+    void reset() override { tremolo_.reset(); }
+
+private:
+    TremoloHarmonic tremolo_;
+};

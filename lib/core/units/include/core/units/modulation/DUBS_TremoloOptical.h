@@ -1,0 +1,22 @@
+// The optical cell as a unit with its rate in Hz; both outputs are the mean of the inputs times the gain.
+//
+// Parameters: rate (Hz, 1.75 to 8.5, 6.56), level (the cell's intensity, 0 to 1, 0.86).
+#pragma once
+
+#include <string>
+
+#include "algorithms/modulation/OpticalTremoloCell.h"
+#include "core/units/control/EffectUnit.h"
+
+class DUBS_TremoloOptical final : public EffectUnit {
+public:
+    // blockLength in samples, sampleRate in Hz.
+    DUBS_TremoloOptical(std::string tarvekId, int blockLength, float sampleRate);
+
+    using EffectUnit::process;
+    void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
+    void reset() override { cell_.reset(); }
+
+private:
+    OpticalTremoloCell cell_;
+};
