@@ -15,8 +15,8 @@ void ModulationDelay::process(const float* in, float delaySamples, float* out, i
         const int newer = writeIndex_ >= whole ? writeIndex_ - whole : writeIndex_ - whole + size;
         const int older = newer > 0 ? newer - 1 : size - 1;
         last_ = line_[older] + (1.0f - frac) * (line_[newer] - last_);
-        out[n] = last_;
         line_[writeIndex_] = in[n] + feedback_ * last_;
+        out[n] = last_;
         writeIndex_ = writeIndex_ + 1 < size ? writeIndex_ + 1 : 0;
     }
 }

@@ -3,6 +3,9 @@
 //   duty sine, offset 2 duty - 1 --> x 60, - 90 degrees --> phase offset of the main sine
 //   out = mix * other + (1 - mix) * main,   other: triangle or sine, both from their lowest point
 //
+// At a duty of one half the bend holds the main sine near its middle for a sixth of the cycle, on its way up,
+// and turns its phase back a little there: the value crosses the middle three times.
+//
 // The duty oscillator starts at +90 degrees and is moved by -45 + 90 dist. Amplitude and offset are those of
 // main, triangle and sine; the duty oscillator always swings by 1.
 //
