@@ -14,6 +14,7 @@ CHECKS = (
     ("valve_curves.py", "--check"),
     ("spring_tank_curves.py", "--check"),
     ("spring_tank.py", "--check"),
+    ("cabinets.py", "--check"),
     ("guitars.py", "--check"),
     ("level_plan.py",),
 )

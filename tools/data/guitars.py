@@ -8,12 +8,11 @@ the product profile's input voltage mapping.
     hard_riff     hard-strummed fifths with palm mutes, bridge pickup
 """
 
-import wave
-
 import numpy as np
 from scipy.signal import lfilter
 
 import generated
+import wav24
 from plucked_string import RATE_HZ, Guitar, Note, perform
 
 PEAK_DBFS = -12.0
@@ -147,51 +146,25 @@ def recording(name):
     fade = int(0.02 * RATE_HZ)
     x[-fade:] *= 0.5 * (1.0 + np.cos(np.pi * np.arange(fade) / fade))
     x *= 10.0 ** (PEAK_DBFS / 20.0) / np.abs(x).max()
-    return np.round(x * 2.0**23) / 2.0**23
+    return wav24.rounded(x)
 
 
 def path(name):
     return generated.GUITARS / f"{name}.wav"
 
 
-def read_wav(file):
-    with wave.open(str(file), "rb") as source:
-        if (source.getframerate(), source.getnchannels(), source.getsampwidth()) != (RATE_HZ, 1, 3):
-            raise ValueError(f"{file} is not 44100 Hz, mono, 24 bit")
-        data = np.frombuffer(source.readframes(source.getnframes()), np.uint8).reshape(-1, 3).astype(np.int32)
-    return ((data[:, 0] | data[:, 1] << 8 | data[:, 2] << 16) ^ 0x800000) / 2.0**23 - 1.0
-
-
-def write_wav(file, x):
-    words = np.round(x * 2.0**23).astype("<i4")
-    file.parent.mkdir(parents=True, exist_ok=True)
-    with wave.open(str(file), "wb") as sink:
-        sink.setnchannels(1)
-        sink.setsampwidth(3)
-        sink.setframerate(RATE_HZ)
-        sink.writeframes(words.view(np.uint8).reshape(-1, 4)[:, :3].tobytes())
-
-
 def write():
     for name in PIECES:
         x = recording(name)
-        write_wav(path(name), x)
+        wav24.write(path(name), x)
         rms = 10.0 * np.log10(np.mean(x**2))
         print(f"{name}: {len(x) / RATE_HZ:.2f} s, peak {20 * np.log10(np.abs(x).max()):.2f} dBFS, {rms:.1f} dBFS rms")
 
 
 def check():
-    complaints = []
-    for name in PIECES:
-        old, new = read_wav(path(name)), recording(name)
-        if len(old) != len(new):
-            complaints.append(f"{name}: {len(old)} samples are committed, {len(new)} were made")
-            continue
-        difference = 20.0 * np.log10(max(np.abs(old - new).max(), 1e-12))
-        print(f"{name}: largest difference {difference:.0f} dBFS")
-        if difference > generated.AUDIO_TOLERANCE_DB:
-            complaints.append(f"{name}: differs by {difference:.1f} dBFS")
-    return complaints
+    return [
+        wav24.difference(name, wav24.read(path(name)), recording(name), generated.AUDIO_TOLERANCE_DB) for name in PIECES
+    ]
 
 
 def plot(directory):
@@ -203,7 +176,7 @@ def plot(directory):
     figure, axes = pyplot.subplots(3, 1, figsize=(9, 9))
     for axis, name in zip(axes, PIECES):
         with np.errstate(divide="ignore"):  # digital silence
-            axis.specgram(read_wav(path(name)), NFFT=2048, noverlap=1536, Fs=RATE_HZ, vmin=-160, vmax=-55)
+            axis.specgram(wav24.read(path(name)), NFFT=2048, noverlap=1536, Fs=RATE_HZ, vmin=-160, vmax=-55)
         axis.set(ylim=(0, 10000), ylabel="Hz", title=name)
     for axis in axes:
         axis.set(xlim=(0.0, SECONDS))
