@@ -23,6 +23,10 @@ public:
     virtual ~Case() = default;
     // in: one block of the guitar, 1.0 = full scale.
     virtual void process(const float* in) = 0;
+    // True when background has to run after every block.
+    virtual bool hasBackground() const { return false; }
+    // What other threads do between two blocks; not timed.
+    virtual void background() {}
     // Turns knobs; its own time does not count, that of the ramps it starts does.
     virtual void control(int turn) { static_cast<void>(turn); }
 };
@@ -36,6 +40,7 @@ std::vector<NamedCase> ampCases();
 std::vector<NamedCase> primitiveCases();
 std::vector<NamedCase> modulationCases();
 std::vector<NamedCase> reverbCases();
+std::vector<NamedCase> convolutionCases();
 
 // All of them, the amp first.
 const std::vector<NamedCase>& cases();

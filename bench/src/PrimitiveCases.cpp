@@ -115,7 +115,7 @@ std::vector<NamedCase> primitiveCases() {
 const std::vector<NamedCase>& cases() {
     static const std::vector<NamedCase> kCases = [] {
         std::vector<NamedCase> all = ampCases();
-        for (auto&& more : {primitiveCases(), modulationCases(), reverbCases()})
+        for (auto&& more : {primitiveCases(), modulationCases(), reverbCases(), convolutionCases()})
             all.insert(all.end(), more.begin(), more.end());
         return all;
     }();

@@ -114,6 +114,11 @@ void registerBenchmarks(const std::vector<float>& guitar) {
                     state.ResumeTiming();
                 }
                 unit->process(guitar.data() + i * bench::kBlockLength);
+                if (unit->hasBackground()) {
+                    state.PauseTiming();
+                    unit->background();
+                    state.ResumeTiming();
+                }
                 i = i + 1 < kGuitarBlocks ? i + 1 : 0;
             }
         });

@@ -5,6 +5,12 @@
 
 #include "utility/Log.h"
 
+namespace {
+
+constexpr int kPartitionsToSumAhead = 32;
+
+}  // namespace
+
 FFTConv2::FFTConv2(int blockSize, const float* ir, int irLength, float sampleRate)
     : FFTConv2(std::make_shared<const PartitionSpectra>(blockSize, ir, irLength), sampleRate) {}
 
@@ -25,6 +31,8 @@ FFTConv2::FFTConv2(std::shared_ptr<const PartitionSpectra> irSpectra, float samp
       overlap_(static_cast<std::size_t>(fftSize_)),
       inputBuffer_(static_cast<std::size_t>(blockSize_)),
       inputSpectra_(segmentSize_, ringSize_) {
+    if (irSpectra_->stride() == 1 && partitionCount_ >= kPartitionsToSumAhead)
+        ahead_.emplace(segmentSize_, fft::SpectrumRows::kRowsAhead);
     checkAlignment();
     tvk::log::debug("FFTConv2", "block %d, transform %d, %d partitions at %.0f Hz", blockSize_, fftSize_,
                     partitionCount_, static_cast<double>(sampleRate_));
@@ -67,21 +75,42 @@ int FFTConv2::ringRow(int slot) const {
     return slot % stride * partitionCount_ + slot / stride;
 }
 
-void FFTConv2::sumOlderPartitions() {
-    const int older = irSpectra_->filledPartitionCount() - 1;
-    if (older < 1) return;
-    // The plane of the newest slot, from the slot behind it to the plane's end and on from its start.
+// The newest `count` slots behind the current one, in the two runs that the ring's end may cut them into.
+// run(how many blocks ago the run begins, its first row, its length)
+template <typename Run>
+void FFTConv2::forOlderSlots(int count, Run run) {
     const int newest = ringRow(ringIndex_);
     const int plane = newest / partitionCount_ * partitionCount_;
-    const int beforeWrap = std::min(older, plane + partitionCount_ - 1 - newest);
-    const fft::SpectrumRows& ir = irSpectra_->rows();
-    accumulator_.setToProducts(nullptr, ir, 1, inputSpectra_, newest + 1, beforeWrap);
-    accumulator_.setToProducts(&accumulator_, ir, 1 + beforeWrap, inputSpectra_, plane, older - beforeWrap);
+    const int beforeWrap = std::min(count, plane + partitionCount_ - 1 - newest);
+    if (beforeWrap > 0) run(1, newest + 1, beforeWrap);
+    if (count > beforeWrap) run(1 + beforeWrap, plane, count - beforeWrap);
+}
+
+void FFTConv2::sumOlderPartitions() {
+    if (ahead_ && blockAhead_ == 0) sumAhead();
+    const fft::SpectrumRows* start = ahead_ ? &*ahead_ : nullptr;
+    int startRow = blockAhead_;
+    const int missing = ahead_ ? blockAhead_ : irSpectra_->filledPartitionCount() - 1;
+    if (ahead_ && missing == 0)
+        accumulator_.setToProducts(start, startRow, irSpectra_->rows(), 0, inputSpectra_, 0, 0);
+    forOlderSlots(missing, [&](int blocksAgo, int row, int count) {
+        accumulator_.setToProducts(start, startRow, irSpectra_->rows(), blocksAgo, inputSpectra_, row, count);
+        start = &accumulator_;
+        startRow = 0;
+    });
+}
+
+// The input of d blocks ago meets partition d + m for the block m ahead of this one.
+void FFTConv2::sumAhead() {
+    ahead_->clear();
+    forOlderSlots(irSpectra_->filledPartitionCount() - 1, [&](int blocksAgo, int row, int count) {
+        ahead_->addProductsAhead(irSpectra_->rows(), blocksAgo, inputSpectra_, row, count);
+    });
 }
 
 void FFTConv2::addNewestPartition() {
-    tailAccumulator_.setToProducts(&accumulator_, irSpectra_->rows(), 0, inputSpectra_, ringRow(ringIndex_),
-                                   1);
+    tailAccumulator_.setToProducts(&accumulator_, 0, irSpectra_->rows(), 0, inputSpectra_,
+                                   ringRow(ringIndex_), 1);
     tailAccumulator_.get(0, bins_.data());
     fftConfig_->inverse(bins_.data(), timeBuffer_.data());
 }
@@ -94,6 +123,7 @@ void FFTConv2::finishBlock() {
     std::fill_n(inputBuffer_.begin(), blockSize_, 0.0f);
     inputFill_ = 0;
     ringIndex_ = ringIndex_ == 0 ? ringSize_ - 1 : ringIndex_ - 1;
+    if (ahead_) blockAhead_ = (blockAhead_ + 1) % fft::SpectrumRows::kRowsAhead;
 }
 
 void FFTConv2::reset() {
@@ -103,4 +133,5 @@ void FFTConv2::reset() {
     std::fill(inputBuffer_.begin(), inputBuffer_.end(), 0.0f);
     inputFill_ = 0;
     ringIndex_ = 0;
+    blockAhead_ = 0;
 }

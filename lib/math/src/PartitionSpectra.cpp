@@ -26,7 +26,7 @@ PartitionSpectra::PartitionSpectra(int blockSize, const float* ir, int irLength)
       stride_(blockSize <= kLongestSmallBlock ? 3 : 1),
       partitionCount_(irLength / partitionLength() + 1),
       filledPartitionCount_((irLength + partitionLength() - 1) / partitionLength()),
-      rows_(segmentSize_, partitionCount_) {
+      rows_(segmentSize_, partitionCount_ + fft::SpectrumRows::kRowsAhead - 1) {
     fft::RealFft transform(fftSize());
     fft::AlignedFloats time(static_cast<std::size_t>(fftSize()));
     std::vector<std::complex<float>> bins(static_cast<std::size_t>(binCount()));

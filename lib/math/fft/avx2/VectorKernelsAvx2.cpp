@@ -14,8 +14,8 @@
 namespace fft {
 
 extern const VectorKernels kVectorKernelsAvx2;
-const VectorKernels kVectorKernelsAvx2{firSplit,      firMerge,        longFir,
-                                       cubicSegments, onePoleHighPass, binsToChunks,
-                                       chunksToBins,  sumProducts,     realButterfly};
+const VectorKernels kVectorKernelsAvx2{firSplit,         firMerge,     longFir,      cubicSegments,
+                                       onePoleHighPass,  binsToChunks, chunksToBins, sumProducts,
+                                       sumProductsAhead, realButterfly};
 
 }  // namespace fft

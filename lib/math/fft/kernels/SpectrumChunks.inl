@@ -78,12 +78,52 @@ inline void sumProductsGroup(const float* start, const float* a, const float* b,
     }
 }
 
-void sumProducts(const float* start, const float* a, int aStride, const float* b, int bStride, int rows,
-                 float* sum, int chunks) {
+void sumProducts(const float* start, int startStride, const float* a, int aStride, const float* b,
+                 int bStride, int rows, float* sum, int chunks) {
     for (int c = 0; c < chunks; ++c, a += aStride, b += bStride, sum += kChunkFloats) {
         for (int i = 0; i < kChunkBins; i += 2 * kLanes)
             sumProductsGroup(start ? start + i : nullptr, a + i, b + i, rows, sum + i);
-        if (start) start += kChunkFloats;
+        if (start) start += startStride;
+    }
+}
+
+constexpr int kSumsAhead = 8;
+
+// One vector of bins of four sums: as many as stay in registers while the rows pass by.
+inline void sumProductsAheadGroup(const float* a, const float* b, int rows, float* sums) {
+    constexpr int kSums = kSumsAhead / 2;
+    Vector re[kSums];
+    Vector im[kSums];
+    for (int m = 0; m < kSums; ++m) {
+        re[m] = load(sums + m * kChunkFloats);
+        im[m] = load(sums + m * kChunkFloats + kChunkBins);
+    }
+    for (int row = 0; row < rows; ++row, a += kChunkFloats, b += kChunkFloats) {
+        const Vector bRe = load(b);
+        const Vector bIm = load(b + kChunkBins);
+        for (int m = 0; m < kSums; ++m) {
+            const Vector aRe = load(a + m * kChunkFloats);
+            const Vector aIm = load(a + m * kChunkFloats + kChunkBins);
+            re[m] += aRe * bRe;
+            im[m] += aRe * bIm;
+            re[m] -= aIm * bIm;
+            im[m] += aIm * bRe;
+        }
+    }
+    for (int m = 0; m < kSums; ++m) {
+        store(sums + m * kChunkFloats, re[m]);
+        store(sums + m * kChunkFloats + kChunkBins, im[m]);
+    }
+}
+
+void sumProductsAhead(const float* a, int aStride, const float* b, int bStride, int rows, float* sums,
+                      int chunks) {
+    for (int c = 0; c < chunks; ++c, a += aStride, b += bStride, sums += kSumsAhead * kChunkFloats) {
+        // The second half finds the chunk's rows in the cache.
+        for (int half = 0; half < kSumsAhead * kChunkFloats; half += kSumsAhead / 2 * kChunkFloats) {
+            for (int i = 0; i < kChunkBins; i += kLanes)
+                sumProductsAheadGroup(a + half + i, b + i, rows, sums + half + i);
+        }
     }
 }
 

@@ -39,20 +39,37 @@ void SpectrumRows::get(int row, std::complex<float>* bins) const {
     bins[segmentSize_] = lastBins_[static_cast<std::size_t>(row)];
 }
 
-void SpectrumRows::setToProducts(const SpectrumRows* start, const SpectrumRows& a, int aRow,
+void SpectrumRows::setToProducts(const SpectrumRows* start, int startRow, const SpectrumRows& a, int aRow,
                                  const SpectrumRows& b, int bRow, int count) {
-    vectorKernels().sumProducts(start ? start->chunks_.data() : nullptr, a.chunk(aRow),
+    vectorKernels().sumProducts(start ? start->chunk(startRow) : nullptr,
+                                start ? start->rows_ * kChunkFloats : 0, a.chunk(aRow),
                                 a.rows_ * kChunkFloats, b.chunk(bRow), b.rows_ * kChunkFloats, count,
                                 chunks_.data(), segmentSize_ / kChunkBins);
-    float re = start ? start->lastBins_[0].real() : 0.0f;
-    float im = start ? start->lastBins_[0].imag() : 0.0f;
+    const std::complex<float> first =
+        start ? start->lastBins_[static_cast<std::size_t>(startRow)] : std::complex<float>{};
+    lastBins_[0] = first + lastBinProducts(a, aRow, b, bRow, count);
+}
+
+void SpectrumRows::addProductsAhead(const SpectrumRows& a, int aRow, const SpectrumRows& b, int bRow,
+                                    int count) {
+    vectorKernels().sumProductsAhead(a.chunk(aRow), a.rows_ * kChunkFloats, b.chunk(bRow),
+                                     b.rows_ * kChunkFloats, count, chunks_.data(),
+                                     segmentSize_ / kChunkBins);
+    for (int m = 0; m < kRowsAhead; ++m)
+        lastBins_[static_cast<std::size_t>(m)] += lastBinProducts(a, aRow + m, b, bRow, count);
+}
+
+std::complex<float> SpectrumRows::lastBinProducts(const SpectrumRows& a, int aRow, const SpectrumRows& b,
+                                                  int bRow, int count) {
+    float re = 0.0f;
+    float im = 0.0f;
     for (int i = 0; i < count; ++i) {
         const std::complex<float> x = a.lastBins_[static_cast<std::size_t>(aRow + i)];
         const std::complex<float> y = b.lastBins_[static_cast<std::size_t>(bRow + i)];
         re += x.real() * y.real() - x.imag() * y.imag();
         im += x.imag() * y.real() + x.real() * y.imag();
     }
-    lastBins_[0] = {re, im};
+    return {re, im};
 }
 
 void SpectrumRows::clear() {

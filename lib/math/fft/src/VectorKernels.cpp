@@ -16,9 +16,9 @@ extern const VectorKernels kVectorKernelsAvx2;
 #endif
 
 const VectorKernels& portableVectorKernels() {
-    static constexpr VectorKernels kKernels{firSplit,      firMerge,        longFir,
-                                            cubicSegments, onePoleHighPass, binsToChunks,
-                                            chunksToBins,  sumProducts,     realButterfly};
+    static constexpr VectorKernels kKernels{firSplit,         firMerge,     longFir,      cubicSegments,
+                                            onePoleHighPass,  binsToChunks, chunksToBins, sumProducts,
+                                            sumProductsAhead, realButterfly};
     return kKernels;
 }
 

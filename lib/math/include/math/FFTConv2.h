@@ -9,11 +9,16 @@
 // pieces, each piece transforms the incomplete block padded with zeros and gives its own stretch, while the
 // sum over the older partitions is made once a block; so whole blocks are what it is cheap for.
 //
+// A long response does not fit a cache, so a sum over it is as slow as the memory. From 32 partitions of one
+// block each on, every eighth block reads all spectra once and makes the sums of eight blocks as far as the
+// input is known; the blocks in between add what has come since, at most seven partitions.
+//
 // It knows nothing of threads: one thread at a time. process does not allocate.
 #pragma once
 
 #include <complex>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "math/PartitionSpectra.h"
@@ -48,6 +53,9 @@ public:
 private:
     void checkAlignment() const;
     void sumOlderPartitions();
+    void sumAhead();
+    template <typename Run>
+    void forOlderSlots(int count, Run run);
     void transformInput();
     void addNewestPartition();
     void finishBlock();
@@ -64,9 +72,11 @@ private:
     std::shared_ptr<fft::RealFft> fftConfig_;
     fft::AlignedFloats timeBuffer_;
     std::vector<std::complex<float>, fft::CacheLineAllocator<std::complex<float>>> bins_;
-    fft::SpectrumRows accumulator_;      // the older partitions' sum
-    fft::SpectrumRows tailAccumulator_;  // with the newest spectrum's product
-    fft::AlignedFloats overlap_;         // output carried over to later blocks
+    fft::SpectrumRows accumulator_;           // the older partitions' sum
+    std::optional<fft::SpectrumRows> ahead_;  // of eight blocks, from the input before the first of them
+    int blockAhead_ = 0;                      // which of the eight comes next
+    fft::SpectrumRows tailAccumulator_;       // with the newest spectrum's product
+    fft::AlignedFloats overlap_;              // output carried over to later blocks
     fft::AlignedFloats inputBuffer_;
     int inputFill_ = 0;
     int ringIndex_ = 0;  // slot of the newest spectrum

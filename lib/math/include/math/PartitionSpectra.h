@@ -28,7 +28,7 @@ public:
     // Partitions that hold samples of the response; those behind them are zero.
     int filledPartitionCount() const { return filledPartitionCount_; }
 
-    // One row for each partition.
+    // One row for each partition, and behind them rows of zeros for sums that run ahead of their block.
     const fft::SpectrumRows& rows() const { return rows_; }
 
 private:

@@ -93,7 +93,7 @@ TEST_P(SpectrumKernels, SumsOfProductsAreComplexBinByBin) {
     for (int rows = 0; rows <= 9; ++rows) {
         for (const bool hasStart : {false, true}) {
             std::vector<float> sum = start;  // the sum may take the place of its start
-            kernels().sumProducts(hasStart ? sum.data() : nullptr, a.data(), kStrideA, b.data(), kStrideB,
+            kernels().sumProducts(hasStart ? sum.data() : nullptr, 32, a.data(), kStrideA, b.data(), kStrideB,
                                   rows, sum.data(), kChunks);
             for (int c = 0; c < kChunks; ++c) {
                 for (int i = 0; i < 16; ++i) {
@@ -101,6 +101,32 @@ TEST_P(SpectrumKernels, SumsOfProductsAreComplexBinByBin) {
                     for (int r = 0; r < rows; ++r)
                         truth += bin(a, c * kStrideA + 32 * r, i) * bin(b, c * kStrideB + 32 * r, i);
                     EXPECT_LE(std::abs(bin(sum, 32 * c, i) - truth), 3e-6) << rows << ' ' << c << ' ' << i;
+                }
+            }
+        }
+    }
+}
+
+TEST_P(SpectrumKernels, SumsAheadMeetTheRowsOfTheFirstFactorOneFurtherOnEach) {
+    constexpr int kChunks = 3;
+    constexpr int kStrideA = 32 * 14;
+    constexpr int kStrideB = 32 * 8;
+    const auto a = noise(kChunks * kStrideA, 30);
+    const auto b = noise(kChunks * kStrideB, 31);
+    const auto start = noise(kChunks * 8 * 32, 32);
+    const auto bin = [](const std::vector<float>& rows, int at, int i) {
+        return std::complex<double>(rows.at(at + i), rows.at(at + 16 + i));
+    };
+    for (int rows = 0; rows <= 7; ++rows) {
+        std::vector<float> sums = start;
+        kernels().sumProductsAhead(a.data(), kStrideA, b.data(), kStrideB, rows, sums.data(), kChunks);
+        for (int c = 0; c < kChunks; ++c) {
+            for (int m = 0; m < 8; ++m) {
+                for (int i = 0; i < 16; ++i) {
+                    std::complex<double> truth = bin(start, (8 * c + m) * 32, i);
+                    for (int r = 0; r < rows; ++r)
+                        truth += bin(a, c * kStrideA + 32 * (r + m), i) * bin(b, c * kStrideB + 32 * r, i);
+                    EXPECT_LE(std::abs(bin(sums, (8 * c + m) * 32, i) - truth), 3e-6) << rows << ' ' << m;
                 }
             }
         }
@@ -161,14 +187,27 @@ TEST(SpectrumRows, SumsRunOverNeighbouringRowsOfBothAndCoverTheLastBin) {
     for (int r = 0; r < 5; ++r)
         b.set(r, bs.emplace_back(noiseBins(33, 20 + r)).data());
     fft::SpectrumRows sum(32, 1);
-    sum.setToProducts(nullptr, a, 1, b, 2, 3);
-    sum.setToProducts(&sum, a, 0, b, 0, 1);
+    const auto product = [&](int r, int s, int i) {
+        return std::complex<double>(as[r][i]) * std::complex<double>(bs[s][i]);
+    };
+    sum.setToProducts(nullptr, 0, a, 1, b, 2, 3);
+    sum.setToProducts(&sum, 0, a, 0, b, 0, 1);
     Bins bins(33);
     sum.get(0, bins.data());
     for (int i = 0; i < 33; ++i) {
-        std::complex<double> truth = std::complex<double>(as[0][i]) * std::complex<double>(bs[0][i]);
-        for (int r = 0; r < 3; ++r)
-            truth += std::complex<double>(as[1 + r][i]) * std::complex<double>(bs[2 + r][i]);
+        const auto truth = product(0, 0, i) + product(1, 2, i) + product(2, 3, i) + product(3, 4, i);
+        EXPECT_LE(std::abs(std::complex<double>(bins[i]) - truth), 2e-6) << i;
+    }
+
+    fft::SpectrumRows longer(32, 10);
+    for (int r = 0; r < 5; ++r)
+        longer.set(r, bs[r].data());
+    fft::SpectrumRows ahead(32, 8);
+    ahead.addProductsAhead(longer, 0, a, 2, 2);
+    sum.setToProducts(&ahead, 3, a, 0, b, 0, 0);
+    sum.get(0, bins.data());
+    for (int i = 0; i < 33; ++i) {
+        const auto truth = product(2, 3, i) + product(3, 4, i);
         EXPECT_LE(std::abs(std::complex<double>(bins[i]) - truth), 2e-6) << i;
     }
 }

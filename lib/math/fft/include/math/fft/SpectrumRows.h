@@ -26,10 +26,15 @@ public:
     // Reads a row back.
     void get(int row, std::complex<float>* bins) const;
 
-    // This one row becomes start + sum over i < count of a[aRow + i] * b[bRow + i], bin by bin. All have the
-    // same S; start has one row, may be this object, and null stands for zero.
-    void setToProducts(const SpectrumRows* start, const SpectrumRows& a, int aRow, const SpectrumRows& b,
-                       int bRow, int count);
+    // This one row becomes start[startRow] + sum over i < count of a[aRow + i] * b[bRow + i], bin by bin. All
+    // have the same S; start may be this object, and null stands for zero.
+    void setToProducts(const SpectrumRows* start, int startRow, const SpectrumRows& a, int aRow,
+                       const SpectrumRows& b, int bRow, int count);
+
+    // Adds to each of these eight rows m the sum over i < count of a[aRow + i + m] * b[bRow + i]. a has the
+    // rows for it.
+    void addProductsAhead(const SpectrumRows& a, int aRow, const SpectrumRows& b, int bRow, int count);
+    static constexpr int kRowsAhead = 8;
 
     // All rows zero.
     void clear();
@@ -39,6 +44,8 @@ public:
     const float* data() const { return chunks_.data(); }
 
 private:
+    static std::complex<float> lastBinProducts(const SpectrumRows& a, int aRow, const SpectrumRows& b,
+                                               int bRow, int count);
     float* chunk(int row) { return chunks_.data() + row * kChunkFloats; }
     const float* chunk(int row) const { return chunks_.data() + row * kChunkFloats; }
 

@@ -63,10 +63,16 @@ struct VectorKernels {
 
     // Complex sums of products, bin by bin, for each chunk:
     //   sum = start + sum over r < rows of a[r] * b[r]
-    // The rows of a chunk lie one after the other, its neighbour's rows aStride and bStride floats on; sum
-    // and start have one row. start may be sum, and null stands for zero.
-    void (*sumProducts)(const float* start, const float* a, int aStride, const float* b, int bStride,
-                        int rows, float* sum, int chunks);
+    // The rows of a chunk lie one after the other, its neighbour's rows aStride and bStride floats on,
+    // start's startStride; sum has one row. start may be sum, and null stands for zero.
+    void (*sumProducts)(const float* start, int startStride, const float* a, int aStride, const float* b,
+                        int bStride, int rows, float* sum, int chunks);
+
+    // Eight such sums at once, each against the rows of a one further on, for one reading of both factors:
+    //   sums[m] += sum over r < rows of a[r + m] * b[r],   m = 0 .. 7
+    // sums has eight rows.
+    void (*sumProductsAhead)(const float* a, int aStride, const float* b, int bStride, int rows, float* sums,
+                             int chunks);
 
     // In place over the complex bins 0 to M, M = half, for k = 0 .. M/2:
     //   e = scale (z[k] + conj z[M-k])   d = u[k] (z[k] - conj z[M-k])
