@@ -4,6 +4,7 @@
 //
 #include "math/fft/VectorKernels.h"
 //
+#include "../kernels/BiquadCascade.inl"
 #include "../kernels/CubicSegments.inl"
 #include "../kernels/Fir.inl"
 #include "../kernels/LongFir.inl"
@@ -14,8 +15,8 @@
 namespace fft {
 
 extern const VectorKernels kVectorKernelsAvx2;
-const VectorKernels kVectorKernelsAvx2{firSplit,         firMerge,     longFir,      cubicSegments,
-                                       onePoleHighPass,  binsToChunks, chunksToBins, sumProducts,
-                                       sumProductsAhead, realButterfly};
+const VectorKernels kVectorKernelsAvx2{firSplit,        firMerge,         longFir,      cubicSegments,
+                                       onePoleHighPass, biquadCascade,    binsToChunks, chunksToBins,
+                                       sumProducts,     sumProductsAhead, realButterfly};
 
 }  // namespace fft

@@ -2,6 +2,7 @@
 
 #include "../kernels/Vector.inl"
 //
+#include "../kernels/BiquadCascade.inl"
 #include "../kernels/CubicSegments.inl"
 #include "../kernels/Fir.inl"
 #include "../kernels/LongFir.inl"
@@ -16,9 +17,9 @@ extern const VectorKernels kVectorKernelsAvx2;
 #endif
 
 const VectorKernels& portableVectorKernels() {
-    static constexpr VectorKernels kKernels{firSplit,         firMerge,     longFir,      cubicSegments,
-                                            onePoleHighPass,  binsToChunks, chunksToBins, sumProducts,
-                                            sumProductsAhead, realButterfly};
+    static constexpr VectorKernels kKernels{firSplit,        firMerge,         longFir,      cubicSegments,
+                                            onePoleHighPass, biquadCascade,    binsToChunks, chunksToBins,
+                                            sumProducts,     sumProductsAhead, realButterfly};
     return kKernels;
 }
 

@@ -30,6 +30,23 @@ struct HighPassRecursion {
     float lastOut;
 };
 
+// Up to 32 second-order sections in series, section j in place j of each row; unused places are 0.
+//   H_j(z) = (b0 + b1 z^-1 + b2 z^-2) / (1 + a1 z^-1 + a2 z^-2)
+struct alignas(32) BiquadLanes {
+    static constexpr int kMaxSections = 32;
+
+    int sections;
+    alignas(32) float a1[kMaxSections];
+    float a2[kMaxSections];
+    float b2[kMaxSections];
+    float b1[kMaxSections];
+    float b0[kMaxSections];
+    // State: of the transposed form, and each section's last output.
+    float t1[kMaxSections];
+    float t2[kMaxSections];
+    float y[kMaxSections];
+};
+
 struct VectorKernels {
     // One input through `phases` filters of `taps` coefficients each, one output plane per filter:
     //   out[p * stride + n] = sum over k of coefficients[p * taps + k] * in[n - k]
@@ -55,6 +72,10 @@ struct VectorKernels {
     // y[m] = pole * (y[m-1] + x[m] - x[m-1]) in place, m in the order of time over filter.phases planes.
     // count: samples of one plane, any.
     void (*onePoleHighPass)(HighPassRecursion& filter, float* planes, int stride, int count);
+
+    // All sections of a cascade. out[n] is the last section's output sections - 1 samples ago: each section
+    // works on what its predecessor gave a sample earlier. in may be out. Any count.
+    void (*biquadCascade)(BiquadLanes& lanes, const float* in, float* out, int count);
 
     // 16 * chunks complex bins to chunks of 16 real parts and 16 imaginary parts, `stride` floats from the
     // start of one to that of the next, and back.
