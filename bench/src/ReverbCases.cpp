@@ -2,7 +2,9 @@
 
 #include "InPlaceCase.h"
 #include "algorithms/reverb/MeasuredSpringTank.h"
+#include "algorithms/reverb/SpringBase.h"
 #include "algorithms/reverb/SpringTankResponse.h"
+#include "math/BiquadCascade.h"
 #include "utility/BackgroundJobs.h"
 
 namespace bench {
@@ -46,11 +48,27 @@ private:
     alignas(64) float out_[kBlockLength] = {};
 };
 
+// The thirty sections of the algorithmic tank's loop.
+std::unique_ptr<Case> dispersion() {
+    return inPlace(std::make_unique<BiquadCascade>(rvb::kSpringVoicing65.dispersion, 30), 1.0f,
+                   [](BiquadCascade& c, float* samples) { c.process(samples, samples, kBlockLength); });
+}
+
+std::unique_ptr<Case> springBase() {
+    return inPlace(std::make_unique<rvb::SpringBase>(rvb::kSpringVoicing65, kBlockLength, kSampleRateHz),
+                   1.0f, [](rvb::SpringBase& tank, float* samples) {
+                       float right[kBlockLength];
+                       tank.process(samples, samples, samples, right, kBlockLength);
+                   });
+}
+
 }  // namespace
 
 std::vector<NamedCase> reverbCases() {
     return {
         {"tank_front", [] { return std::make_unique<TankFront>(); }},
+        {"spring_base", springBase},
+        {"spring_dispersion", dispersion},
     };
 }
 

@@ -2,14 +2,27 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "utility/Log.h"
+
+namespace {
+
+using Lanes = float __attribute__((vector_size(16)));
+
+Lanes load(const float* samples) {
+    Lanes lanes;
+    std::memcpy(&lanes, samples, sizeof lanes);
+    return lanes;
+}
+
+}  // namespace
 
 ConstFractDelay::ConstFractDelay(int maxDelaySamples, int tapCount)
     // The longest tap's older sample, and the place that a block's first sample goes to.
     : size_(std::max(maxDelaySamples, 1) + 2),
       line_(static_cast<std::size_t>(size_) + 1),
-      taps_(static_cast<std::size_t>(std::max(tapCount, 0)), Tap{2, 0.0f, 1.0f, 0.0f}),
+      taps_(static_cast<std::size_t>(std::max(tapCount, 0)), Tap{2, 0.0f, 1.0f, 0.0f, 0.0f, 1.0f, nullptr}),
       maxDelaySamples_(std::max(maxDelaySamples, 1)) {}
 
 bool ConstFractDelay::isTap(int index) const {
@@ -30,6 +43,12 @@ void ConstFractDelay::setTap(int index, double delaySamples) {
     tap.distance = static_cast<int>(whole) + 2;
     tap.olderWeight = static_cast<float>(delaySamples - whole);
     tap.delaySamples = static_cast<float>(delaySamples);
+    weigh(tap);
+}
+
+void ConstFractDelay::weigh(Tap& tap) {
+    tap.olderGain = tap.gain * tap.olderWeight;
+    tap.newerGain = tap.gain - tap.olderGain;
 }
 
 float ConstFractDelay::getTap(int index) const {
@@ -37,7 +56,10 @@ float ConstFractDelay::getTap(int index) const {
 }
 
 void ConstFractDelay::setTapGain(int index, float gain) {
-    if (isTap(index)) taps_[static_cast<std::size_t>(index)].gain = gain;
+    if (!isTap(index)) return;
+    Tap& tap = taps_[static_cast<std::size_t>(index)];
+    tap.gain = gain;
+    weigh(tap);
 }
 
 void ConstFractDelay::setFeedback(float feedback) {
@@ -77,17 +99,24 @@ int ConstFractDelay::runLength(int wanted) const {
 void ConstFractDelay::process(const float* in, float* out, int count) {
     while (count > 0) {
         const int run = runLength(count);
-        std::fill_n(out, run, 0.0f);
-        for (const Tap& tap : taps_) {
-            const float* pair = line_.data() + indexOf(tap);
-            const float older = tap.gain * tap.olderWeight;
-            const float newer = tap.gain - older;
-            for (int n = 0; n < run; ++n)
-                out[n] += older * pair[n] + newer * pair[n + 1];
+        for (Tap& tap : taps_)
+            tap.head = line_.data() + indexOf(tap);
+        int n = 0;
+        for (; n + 4 <= run; n += 4) {
+            Lanes sum{};
+            for (const Tap& tap : taps_)
+                sum += tap.olderGain * load(tap.head + n) + tap.newerGain * load(tap.head + n + 1);
+            std::memcpy(out + n, &sum, sizeof sum);
+        }
+        for (; n < run; ++n) {
+            out[n] = 0.0f;
+            for (const Tap& tap : taps_)
+                out[n] += tap.olderGain * tap.head[n] + tap.newerGain * tap.head[n + 1];
         }
         float* line = line_.data() + writeIndex_;
-        for (int n = 0; n < run; ++n)
-            line[n] = in[n] + feedback_ * out[n];
+        const float feedback = feedback_;
+        for (n = 0; n < run; ++n)
+            line[n] = in[n] + feedback * out[n];
         line_.back() = line_.front();
         writeIndex_ = writeIndex_ + run == size_ ? 0 : writeIndex_ + run;
         in += run;

@@ -1,6 +1,7 @@
 #include "algorithms/reverb/SpringBase.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -28,6 +29,13 @@ double tapDelay(float milliseconds, float sampleRate) {
 
 int longestTap(float milliseconds, float sampleRate) {
     return static_cast<int>(std::ceil(samplesOf(milliseconds, sampleRate))) + 2;
+}
+
+std::array<int, DampedCombs::kCount> combLengths(const SpringVoicing& voicing, float sampleRate) {
+    std::array<int, DampedCombs::kCount> lengths{};
+    for (std::size_t k = 0; k < lengths.size(); ++k)
+        lengths[k] = static_cast<int>(samplesOf(voicing.combs[k].delayMs, sampleRate));
+    return lengths;
 }
 
 float lerp(float low, float high, float v) {
@@ -63,6 +71,7 @@ SpringBase::SpringBase(const SpringVoicing& voicing, float inputScale, const flo
       dispersion_(voicing.dispersion, static_cast<int>(std::size(voicing.dispersion))),
       alignment_(dispersion_.lateness() - fixedFilters_.lateness(), 1),
       loopDelay_(longestTap(voicing.loopMaxMs, sampleRate), 1),
+      combs_(combLengths(voicing, sampleRate)),
       firstShelf_(sampleRate, voicing.firstShelf.lowDb, voicing.firstShelf.highDb,
                   voicing.firstShelf.frequencyHz),
       secondShelf_(sampleRate, voicing.secondShelf.lowDb, voicing.secondShelf.highDb,
@@ -94,12 +103,9 @@ SpringBase::SpringBase(const SpringVoicing& voicing, float inputScale, const flo
     loopDelay_.setTap(0, tapDelay(voicing.loopTapMs, sampleRate) - dispersion_.lateness());
     loopDelay_.setTapGain(0, voicing.loopTapGain);
     loopDelay_.setFeedback(voicing.loopDelayFeedback);
-    combs_.reserve(kCombs);
-    for (int k = 0; k < kCombs; ++k) {
-        const auto i = static_cast<std::size_t>(k);
-        combs_.emplace_back(static_cast<int>(samplesOf(voicing.combs[k].delayMs, sampleRate)));
-        dampings_[i] = poleOf(voicing.combs[k].dampingHz);
-        feedbacks_[i] = voicing.combs[k].feedback;
+    for (int k = 0; k < DampedCombs::kCount; ++k) {
+        combs_.setDamping(k, poleOf(voicing.combs[k].dampingHz));
+        combs_.setFeedback(k, voicing.combs[k].feedback);
     }
     allpasses_.reserve(std::size(voicing.allpasses));
     for (const auto& allpass : voicing.allpasses)
@@ -134,7 +140,8 @@ void SpringBase::process(const float* inLeft, const float* inRight, float* outLe
         loopIn_[static_cast<std::size_t>(i)] += dispersed_[static_cast<std::size_t>(i)];
     loopDelay_.process(loopIn_.data(), loopOut_.data(), count);
 
-    addCombs(count);
+    std::fill_n(reverb_.data(), count, 0.0f);
+    combs_.addTo(reverb_.data(), combIn_.data(), count);
     for (SchroederAllpass& allpass : allpasses_)
         allpass.process(reverb_.data(), count);
     firstShelf_.process(reverb_.data(), count);
@@ -147,13 +154,6 @@ void SpringBase::process(const float* inLeft, const float* inRight, float* outLe
     outputRight_.process(dryRight_.data(), reverb_.data(), outRight, count);
 }
 
-void SpringBase::addCombs(int count) {
-    std::fill_n(reverb_.data(), count, 0.0f);
-    for (std::size_t k = 0; k < combs_.size(); ++k)
-        combs_[k].addTo(reverb_.data(), combIn_.data(), count, dampings_[k].load(std::memory_order_relaxed),
-                        feedbacks_[k].load(std::memory_order_relaxed));
-}
-
 void SpringBase::reset() {
     inputPeak_.clear();
     earlyTaps_.clear();
@@ -161,8 +161,7 @@ void SpringBase::reset() {
     dispersion_.clear();
     alignment_.clear();
     loopDelay_.clear();
-    for (DampedComb& comb : combs_)
-        comb.clear();
+    combs_.clear();
     for (SchroederAllpass& allpass : allpasses_)
         allpass.clear();
     firstShelf_.clear();
@@ -196,8 +195,8 @@ void SpringBase::setWetLevelDb(float db, bool isInit) {
 
 void SpringBase::setDecayHz(float cutoffHz) {
     const float pole = poleOf(std::clamp(cutoffHz, voicing_.decayMinHz, voicing_.decayMaxHz));
-    for (auto& damping : dampings_)
-        damping.store(pole, std::memory_order_relaxed);
+    for (int comb = 0; comb < DampedCombs::kCount; ++comb)
+        combs_.setDamping(comb, pole);
 }
 
 void SpringBase::setDwell(float v) {
@@ -208,8 +207,8 @@ void SpringBase::setDwell(float v) {
 void SpringBase::setDiffuse(float v) {
     const float factor = checkedFactor("diffuse", v, voicing_.diffuseMin);
     const float feedback = lerp(voicing_.diffuseMin, voicing_.diffuseMax, factor);
-    for (auto& comb : feedbacks_)
-        comb.store(feedback, std::memory_order_relaxed);
+    for (int comb = 0; comb < DampedCombs::kCount; ++comb)
+        combs_.setFeedback(comb, feedback);
 }
 
 void SpringBase::setToneHz(float cutoffHz) {
@@ -222,8 +221,7 @@ void SpringBase::setRampSeconds(float seconds) {
 }
 
 float SpringBase::combDampingHz(int comb) const {
-    return static_cast<float>(-sampleRate_ / (2.0 * std::numbers::pi) *
-                              std::log(dampings_.at(static_cast<std::size_t>(comb)).load()));
+    return static_cast<float>(-sampleRate_ / (2.0 * std::numbers::pi) * std::log(combs_.damping(comb)));
 }
 
 float SpringBase::toneHz() const {

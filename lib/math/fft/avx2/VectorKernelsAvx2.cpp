@@ -8,6 +8,7 @@
 #include "../kernels/CubicSegments.inl"
 #include "../kernels/Fir.inl"
 #include "../kernels/LongFir.inl"
+#include "../kernels/OnePoleBank.inl"
 #include "../kernels/OnePoleHighPass.inl"
 #include "../kernels/RealButterfly.inl"
 #include "../kernels/SpectrumChunks.inl"
@@ -15,8 +16,8 @@
 namespace fft {
 
 extern const VectorKernels kVectorKernelsAvx2;
-const VectorKernels kVectorKernelsAvx2{firSplit,        firMerge,         longFir,      cubicSegments,
-                                       onePoleHighPass, biquadCascade,    binsToChunks, chunksToBins,
-                                       sumProducts,     sumProductsAhead, realButterfly};
+const VectorKernels kVectorKernelsAvx2{firSplit,        firMerge,      longFir,          cubicSegments,
+                                       onePoleHighPass, biquadCascade, onePoleBank,      binsToChunks,
+                                       chunksToBins,    sumProducts,   sumProductsAhead, realButterfly};
 
 }  // namespace fft

@@ -6,6 +6,7 @@
 #include "../kernels/CubicSegments.inl"
 #include "../kernels/Fir.inl"
 #include "../kernels/LongFir.inl"
+#include "../kernels/OnePoleBank.inl"
 #include "../kernels/OnePoleHighPass.inl"
 #include "../kernels/RealButterfly.inl"
 #include "../kernels/SpectrumChunks.inl"
@@ -17,9 +18,9 @@ extern const VectorKernels kVectorKernelsAvx2;
 #endif
 
 const VectorKernels& portableVectorKernels() {
-    static constexpr VectorKernels kKernels{firSplit,        firMerge,         longFir,      cubicSegments,
-                                            onePoleHighPass, biquadCascade,    binsToChunks, chunksToBins,
-                                            sumProducts,     sumProductsAhead, realButterfly};
+    static constexpr VectorKernels kKernels{firSplit,        firMerge,      longFir,          cubicSegments,
+                                            onePoleHighPass, biquadCascade, onePoleBank,      binsToChunks,
+                                            chunksToBins,    sumProducts,   sumProductsAhead, realButterfly};
     return kKernels;
 }
 

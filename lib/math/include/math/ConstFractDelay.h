@@ -40,8 +40,12 @@ private:
         float olderWeight;  // and 1 - olderWeight for the newer one
         float gain;
         float delaySamples;
+        float olderGain;  // the weights with the gain
+        float newerGain;
+        const float* head;  // process's: the older sample of the first pair
     };
 
+    static void weigh(Tap& tap);
     bool isTap(int index) const;
     int indexOf(const Tap& tap) const;
     int runLength(int wanted) const;

@@ -194,4 +194,28 @@ TEST_P(VectorKernels, HighPassOfNoSamplesLeavesTheStateAsItWas) {
     EXPECT_EQ(filter.lastOut, before.lastOut);
 }
 
+TEST_P(VectorKernels, BankIsEightLowPassesEachWithItsOwnPole) {
+    constexpr int kStride = 45;
+    for (const int count : {1, 3, 8, 32, 45}) {
+        const auto in = noise(8 * kStride, 5);
+        std::vector<float> out(8 * kStride, 7.0f);
+        const float* rows[8];
+        for (int r = 0; r < 8; ++r)
+            rows[r] = in.data() + r * kStride;
+        const auto poles = noise(8, 6);
+        auto states = noise(8, 7);
+        const auto before = states;
+        kernels().onePoleBank(poles.data(), states.data(), rows, out.data(), kStride, count);
+        for (int r = 0; r < 8; ++r) {
+            double y = before.at(r);
+            for (int n = 0; n < kStride; ++n) {
+                if (n < count) y = (1.0 - poles.at(r)) * in.at(r * kStride + n) + poles.at(r) * y;
+                EXPECT_NEAR(out.at(r * kStride + n), n < count ? y : 7.0, 2e-6)
+                    << count << ' ' << r << ' ' << n;
+            }
+            EXPECT_NEAR(states.at(r), y, 2e-6);
+        }
+    }
+}
+
 }  // namespace

@@ -20,11 +20,10 @@
 // write single words and the ramps' targets.
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <vector>
 
-#include "algorithms/reverb/DampedComb.h"
+#include "algorithms/reverb/DampedCombs.h"
 #include "algorithms/reverb/SchroederAllpass.h"
 #include "algorithms/reverb/SpringRamp.h"
 #include "algorithms/reverb/SpringShelf.h"
@@ -64,7 +63,7 @@ public:
 
     float inputGain() const { return inputGain_.load(std::memory_order_relaxed); }
     // comb: 0 to 7.
-    float combFeedback(int comb) const { return feedbacks_.at(static_cast<std::size_t>(comb)).load(); }
+    float combFeedback(int comb) const { return combs_.feedback(comb); }
     float combDampingHz(int comb) const;
     float toneHz() const;
     float wetTarget() const { return outputLeft_.secondTarget(); }
@@ -77,13 +76,11 @@ protected:
                const float (&dryTrims)[2], int blockLength, float sampleRate);
 
 private:
-    static constexpr int kCombs = 8;
     static constexpr int kEarlyTaps = 6;
 
     float poleOf(float cutoffHz) const;
     float gainOf(float db) const;
     void setInputGain(float gain);
-    void addCombs(int count);
 
     const SpringVoicing& voicing_;
     const float sampleRate_;
@@ -92,8 +89,6 @@ private:
     const float dryTrims_[2];
 
     std::atomic<float> inputGain_{0.0f};
-    std::array<std::atomic<float>, kCombs> dampings_;  // poles
-    std::array<std::atomic<float>, kCombs> feedbacks_;
 
     BqPeak inputPeak_;
     ConstFractDelay earlyTaps_;
@@ -101,7 +96,7 @@ private:
     BiquadCascade dispersion_;
     ConstFractDelay alignment_;  // holds the filters' output back by the dispersion's greater lateness
     ConstFractDelay loopDelay_;
-    std::vector<DampedComb> combs_;
+    DampedCombs combs_;
     std::vector<SchroederAllpass> allpasses_;
     SpringShelf firstShelf_;
     SpringShelf secondShelf_;

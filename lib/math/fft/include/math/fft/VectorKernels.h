@@ -77,6 +77,11 @@ struct VectorKernels {
     // works on what its predecessor gave a sample earlier. in may be out. Any count.
     void (*biquadCascade)(BiquadLanes& lanes, const float* in, float* out, int count);
 
+    // Eight rows of count samples, each through its own low-pass: y = (1 - poles[r]) x + poles[r] y, from and
+    // to states[r]. in: where each row begins. out: `stride` floats from one row to the next. Any count.
+    void (*onePoleBank)(const float* poles, float* states, const float* const* in, float* out, int stride,
+                        int count);
+
     // 16 * chunks complex bins to chunks of 16 real parts and 16 imaginary parts, `stride` floats from the
     // start of one to that of the next, and back.
     void (*binsToChunks)(const float* bins, float* chunk, int stride, int chunks);
