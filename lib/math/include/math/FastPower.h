@@ -3,8 +3,8 @@
 // The fits are made by tools/data/power_polynomials.py.
 #pragma once
 
+#include <bit>
 #include <cstdint>
-#include <cstring>
 
 // x from -64 to 64; relative error below 3e-7.
 inline float fastExp2(float x) {
@@ -13,22 +13,15 @@ inline float fastExp2(float x) {
     const float power =
         1.0f +
         f * (0.69314698f + f * (0.24022242f + f * (0.055507337f + f * (0.0096715127f + f * 0.0013264727f))));
-    const int32_t scaleBits = (nearest + 127) << 23;
-    float scale;
-    std::memcpy(&scale, &scaleBits, sizeof scale);
-    return power * scale;
+    return power * std::bit_cast<float>((nearest + 127) << 23);
 }
 
 // x a normal number above 0; error below 3e-6 of an octave.
 inline float fastLog2(float x) {
     constexpr int32_t kRootOfHalf = 0x3f3504f3;  // the bits of sqrt(1/2)
-    int32_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
+    const int32_t bits = std::bit_cast<int32_t>(x);
     const int32_t octave = (bits - kRootOfHalf) >> 23;
-    const int32_t mantissaBits = bits - (octave << 23);
-    float mantissa;
-    std::memcpy(&mantissa, &mantissaBits, sizeof mantissa);
-    const float f = mantissa - 1.0f;
+    const float f = std::bit_cast<float>(bits - (octave << 23)) - 1.0f;
     const float fraction =
         f * (1.4427135f + f * (-0.72113186f +
                                f * (0.47934802f + f * (-0.36748999f + f * (0.32215478f - f * 0.20659164f)))));

@@ -11,7 +11,7 @@ class SinePhase {
 public:
     void setFrequency(float hz, float sampleRateHz) {
         constexpr double kCycle = 4294967296.0;
-        increment_ = static_cast<uint32_t>(static_cast<int64_t>(kCycle * hz / sampleRateHz + 0.5));
+        increment_ = static_cast<uint32_t>(std::llround(kCycle * hz / sampleRateHz));
     }
 
     // Moves the phase by the difference to the last offset. cycles: as for fromCycles.
