@@ -120,19 +120,19 @@ TEST_F(ReverbConvolverTest, AStalledHelperIsNotWaitedForAndTheOutputRecovers) {
 TEST_F(ReverbConvolverTest, AudioThatOutrunsTheHelperRecoversToExactness) {
     constexpr int kHead = 128;
     const auto ir = decayingNoise(20000, 12);
-    const auto hurried = whiteNoise(400 * kHead, 13);
+    const auto hurried = whiteNoise(200 * kHead, 13);
     ReverbConvolver reverb(32, ir.data(), 20000, 4096, 64, kHead, kCpu, "hurried", kRateHz);
     std::vector<float> in = hurried;
-    const auto calm = whiteNoise(400 * kHead, 14);
+    const auto calm = whiteNoise(250 * kHead, 14);
     in.insert(in.end(), calm.begin(), calm.end());
     std::vector<float> out(in.size());
-    for (int n = 0; n < 400 * kHead; n += 32)
+    for (int n = 0; n < 200 * kHead; n += 32)
         reverb.process(in.data() + n, out.data() + n, 32);
-    for (int n = 400 * kHead; n < 800 * kHead; n += 32) {
+    for (int n = 200 * kHead; n < 450 * kHead; n += 32) {
         tvk::BackgroundJobs::waitUntilIdle();
         reverb.process(in.data() + n, out.data() + n, 32);
     }
-    EXPECT_LE(relativeError(out, in, ir, 402 * kHead + 20000, 800 * kHead, 5), kTolerance);
+    EXPECT_LE(relativeError(out, in, ir, 202 * kHead + 20000, 450 * kHead, 5), kTolerance);
 }
 
 }  // namespace
