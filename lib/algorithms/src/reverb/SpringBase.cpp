@@ -115,6 +115,11 @@ SpringBase::SpringBase(const SpringVoicing& voicing, float inputScale, const flo
 
 void SpringBase::process(const float* inLeft, const float* inRight, float* outLeft, float* outRight,
                          int count) {
+    const float* reverb = reverberate(inLeft, inRight, count);
+    mix(reverb, reverb, outLeft, outRight, count);
+}
+
+const float* SpringBase::reverberate(const float* inLeft, const float* inRight, int count) {
     const float inputGain = this->inputGain();
     for (int i = 0; i < count; ++i) {
         const auto n = static_cast<std::size_t>(i);
@@ -149,9 +154,13 @@ void SpringBase::process(const float* inLeft, const float* inRight, float* outLe
     late_.process(loopOut_.data(), reverb_.data(), reverb_.data(), count);
     secondShelf_.process(reverb_.data(), count);
     tone_.process(reverb_.data(), count);
+    return reverb_.data();
+}
 
-    outputLeft_.process(dryLeft_.data(), reverb_.data(), outLeft, count);
-    outputRight_.process(dryRight_.data(), reverb_.data(), outRight, count);
+void SpringBase::mix(const float* reverbLeft, const float* reverbRight, float* outLeft, float* outRight,
+                     int count) {
+    outputLeft_.process(dryLeft_.data(), reverbLeft, outLeft, count);
+    outputRight_.process(dryRight_.data(), reverbRight, outRight, count);
 }
 
 void SpringBase::reset() {

@@ -43,6 +43,12 @@ public:
     // count: the block's length. Outputs may be the inputs.
     void process(const float* inLeft, const float* inRight, float* outLeft, float* outRight, int count);
 
+    // The two halves of process, for units that do something to the reverb before it meets the dry signal:
+    // the block's reverb, valid until the next one, then the mix of a reverb for each side with the dry
+    // signal.
+    const float* reverberate(const float* inLeft, const float* inRight, int count);
+    void mix(const float* reverbLeft, const float* reverbRight, float* outLeft, float* outRight, int count);
+
     // Back to silence: delays, filters, combs and allpasses. The ramps stay where they are.
     void reset();
 

@@ -18,7 +18,8 @@ public:
     static constexpr int kSmallBlock = 128;
     static constexpr int kHeadLength = 2048;
 
-    // Where the WAV file lies, absolute. Drops what was loaded from another file, for those who ask later.
+    // Where the WAV file lies, absolute; a path of the amplifier finds its place on this machine. Drops what
+    // was loaded from another file, for those who ask later.
     static void setFile(const std::string& path);
 
     // Loads at the first call. Null, after an error in the log, when no file was set or it cannot be read at

@@ -1,0 +1,15 @@
+// The Ostrel spring tank, in the '63 voicing.
+//
+// Parameters: level, decay, dwell, diffuse and tone, knobs 0 to 1; see SpringUnit.
+#pragma once
+
+#include <string>
+
+#include "algorithms/reverb/SpringBaseOstrel.h"
+#include "core/units/reverb/SpringUnit.h"
+
+class DUBS_TarvekSpring63Ostrel final : public SpringUnit<rvb::SpringBaseOstrel> {
+public:
+    // blockLength in samples, sampleRate in Hz.
+    DUBS_TarvekSpring63Ostrel(std::string tarvekId, int blockLength, float sampleRate);
+};
