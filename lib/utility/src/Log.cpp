@@ -53,8 +53,10 @@ Console console;
 std::atomic<Sink*> currentSink{&console};
 std::atomic<bool> debugEnabled{false};
 
-// A line as the real-time thread leaves it. Tag and file are literals of the caller.
+// A line as a real-time thread leaves it. Tag and file are literals of the caller.
 struct RingLine {
+    // Whose turn it is with this slot: that of the producer at this index, or, one further on, of the reader.
+    std::atomic<unsigned> turn{0};
     bool isDiagnostic;
     Severity severity;
     const char* tagOrFile;
@@ -62,27 +64,55 @@ struct RingLine {
     char text[240];
 };
 
-// Single producer (the real-time thread), single consumer (the writer). Indices only ever grow.
 constexpr unsigned kRingLines = 128;
-std::array<RingLine, kRingLines> ring;
-std::atomic<unsigned> ringHead{0};
-std::atomic<unsigned> ringTail{0};
+
+// Several producers (the real-time threads), one consumer (the writer), each slot handed on by its turn
+// (Vyukov: Bounded MPMC queue, 2010). Indices only ever grow.
+struct Ring {
+    Ring() {
+        for (unsigned i = 0; i < kRingLines; ++i)
+            lines[i].turn.store(i, std::memory_order_relaxed);
+    }
+    std::array<RingLine, kRingLines> lines;
+    std::atomic<unsigned> head{0};
+    unsigned tail = 0;
+};
+
+Ring ring;
 std::atomic<unsigned long> dropped{0};
+
+// More tries than there are real-time threads: who loses that often is not worth a longer wait.
+constexpr int kClaimTries = 16;
+
+// The slot at the ring's head, now the caller's, and its index; null when the ring is full.
+RingLine* claimSlot(unsigned& index) {
+    index = ring.head.load(std::memory_order_relaxed);
+    for (int i = 0; i < kClaimTries; ++i) {
+        RingLine& slot = ring.lines[index % kRingLines];
+        const int behind = static_cast<int>(slot.turn.load(std::memory_order_acquire) - index);
+        if (behind < 0) return nullptr;
+        if (behind > 0)
+            index = ring.head.load(std::memory_order_relaxed);
+        else if (ring.head.compare_exchange_weak(index, index + 1, std::memory_order_relaxed))
+            return &slot;
+    }
+    return nullptr;
+}
 
 void pushLine(bool isDiagnostic, Severity severity, const char* tagOrFile, int line, const char* format,
               va_list arguments) {
-    const unsigned head = ringHead.load(std::memory_order_relaxed);
-    if (head - ringTail.load(std::memory_order_acquire) == kRingLines) {
+    unsigned index = 0;
+    RingLine* const slot = claimSlot(index);
+    if (!slot) {
         dropped.fetch_add(1, std::memory_order_relaxed);
         return;
     }
-    RingLine& slot = ring[head % kRingLines];
-    slot.isDiagnostic = isDiagnostic;
-    slot.severity = severity;
-    slot.tagOrFile = tagOrFile;
-    slot.line = line;
-    std::vsnprintf(slot.text, sizeof slot.text, format, arguments);
-    ringHead.store(head + 1, std::memory_order_release);
+    slot->isDiagnostic = isDiagnostic;
+    slot->severity = severity;
+    slot->tagOrFile = tagOrFile;
+    slot->line = line;
+    std::vsnprintf(slot->text, sizeof slot->text, format, arguments);
+    slot->turn.store(index + 1, std::memory_order_release);
 }
 
 }  // namespace
@@ -126,19 +156,18 @@ void diagnostic(Severity severity, const char* file, int line, const char* forma
 }
 
 int drainRealtimeRing() {
-    const unsigned head = ringHead.load(std::memory_order_acquire);
-    unsigned tail = ringTail.load(std::memory_order_relaxed);
     int written = 0;
-    for (; tail != head; ++tail, ++written) {
-        const RingLine& slot = ring[tail % kRingLines];
+    for (;; ++written) {
+        RingLine& slot = ring.lines[ring.tail % kRingLines];
+        if (slot.turn.load(std::memory_order_acquire) != ring.tail + 1) return written;
         Sink* const sink = currentSink.load();
         if (slot.isDiagnostic)
             sink->diagnosticLine(slot.severity, slot.tagOrFile, slot.line, slot.text);
         else
             sink->debugLine(slot.tagOrFile, slot.text);
-        ringTail.store(tail + 1, std::memory_order_release);
+        slot.turn.store(ring.tail + kRingLines, std::memory_order_release);
+        ++ring.tail;
     }
-    return written;
 }
 
 unsigned long droppedRealtimeLines() {

@@ -1,5 +1,7 @@
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "utility/Log.h"
@@ -65,6 +67,33 @@ TEST_F(LogTest, AFullRingDropsAndCountsLines) {
     EXPECT_GT(kept, 0);
     EXPECT_EQ(tvk::log::droppedRealtimeLines() - before, 1000u - static_cast<unsigned>(kept));
     EXPECT_EQ(recorder.lines.front(), "Warn line 0");
+}
+
+TEST_F(LogTest, LinesOfSeveralRealTimeThreadsArriveWholeAndEachThreadsInOrder) {
+    constexpr int kThreads = 4;
+    constexpr int kLines = 30;
+    for (int round = 0; round < 20; ++round) {
+        recorder.lines.clear();
+        std::vector<std::thread> threads;
+        for (int t = 0; t < kThreads; ++t) {
+            threads.emplace_back([t] {
+                const tvk::RealtimeThreadScope realtime;
+                for (int i = 0; i < kLines; ++i)
+                    TVK_WARN("%d %d", t, i);
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(tvk::log::drainRealtimeRing(), kThreads * kLines);
+        std::vector<int> next(kThreads, 0);
+        for (const std::string& line : recorder.lines) {
+            int t = 0;
+            int i = 0;
+            ASSERT_EQ(std::sscanf(line.c_str(), "Warn %d %d", &t, &i), 2) << line;
+            EXPECT_EQ(i, next.at(static_cast<std::size_t>(t))++);
+        }
+        EXPECT_EQ(next, std::vector<int>(kThreads, kLines));
+    }
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 //   TVK_ERROR(format, ...)         the same with "Error".
 //
 // Any thread may call them. On a thread marked as real-time (RealtimeThread.h) the line is formatted into a
-// fixed-size slot of a wait-free ring, without allocation, lock or system call, and RealtimeLogWriter writes
-// it later; a line that finds the ring full is dropped and counted. One real-time thread writes the ring.
+// fixed-size slot of a lock-free ring, without allocation, lock or system call, and RealtimeLogWriter writes
+// it later; a line that finds the ring full is dropped and counted.
 #pragma once
 
 #include <cstdarg>
@@ -36,8 +36,8 @@ void debug(const char* tag, const char* format, ...) __attribute__((format(print
 void diagnostic(Severity severity, const char* file, int line, const char* format, ...)
     __attribute__((format(printf, 4, 5)));
 
-// Writes what lies in the ring of the real-time thread to the sink. One thread at a time, never the
-// real-time one. Returns the number of lines written.
+// Writes what lies in the ring of the real-time threads to the sink. One thread at a time, never a real-time
+// one. Returns the number of lines written.
 int drainRealtimeRing();
 
 // Lines lost since the start because the ring was full.
