@@ -79,9 +79,9 @@ def main():
             print(f"speed {speed:g}: {hz:.2f} Hz, gain {measured[span].min():.3f} to {measured[span].max():.3f}, "
                   f"law {expected[span].min():.3f} to {expected[span].max():.3f}, mean difference "
                   f"{np.mean(np.abs(measured - expected)[span]):.4f}")
-    axes[0].legend(loc="lower right")
+    figure.legend(*axes[0].get_legend_handles_labels(), loc="upper center", ncol=2)
     axes[-1].set(xlabel="time, s")
-    figure.tight_layout()
+    figure.tight_layout(rect=(0, 0, 1, 0.95))
     figure.savefig(sys.argv[1], dpi=110)
 
 
