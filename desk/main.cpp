@@ -14,12 +14,14 @@
 #include "desk/BlockStatistics.h"
 #include "desk/DeskClock.h"
 #include "desk/DeskSession.h"
+#include "desk/JobStatistics.h"
 #include "desk/Options.h"
 #include "desk/OutputWriter.h"
 #include "desk/ProductRoot.h"
 #include "desk/Refusal.h"
 #include "desk/soundcard/VirtualCard.h"
 #include "proj/runner/Runner.h"
+#include "utility/BackgroundJobs.h"
 #include "utility/Exception.h"
 #include "wav/GuitarFile.h"
 
@@ -68,6 +70,7 @@ VirtualCard::Settings cardSettings(const Options& options) {
     settings.rateHz = kRateHz;
     settings.loop = options.loop;
     settings.faults = options.faults;
+    settings.holdsStill = [] { return BackgroundJobs::pending() != 0; };
     std::uint64_t guitarFrames = 0;
     if (options.inFile) {
         const GuitarFile guitar(*options.inFile, kRateHz);
@@ -95,7 +98,8 @@ int play(const Options& options) {
     card.configure(std::move(settings));
     BlockStatistics blocks(
         card, std::chrono::nanoseconds(std::llround(VirtualCard::kPeriodFrames * 1e9 / kRateHz)));
-    OutputWriter writer(card, blocks, options.outFile, options.reportFile);
+    const JobStatistics jobs(card);
+    OutputWriter writer(card, blocks, jobs, options.outFile, options.reportFile);
 
     DeskSession session(options, card, writer);
     DeskClock clock(card.virtualTime());

@@ -25,10 +25,7 @@ void BlockStatistics::blockEnds() {
     if (!isTiming_) return;
     const std::chrono::nanoseconds wall = read(CLOCK_MONOTONIC) - wallStart_;
     const std::chrono::nanoseconds processor = read(CLOCK_THREAD_CPUTIME_ID) - processorStart_;
-    wall_.add(wall);
-    processor_.add(processor);
-    if (wall > deadline_) wallOverruns_.fetch_add(1, std::memory_order_relaxed);
-    if (processor > deadline_) processorOverruns_.fetch_add(1, std::memory_order_relaxed);
+    times_.add(wall, processor);
 }
 
 }  // namespace tvk::desk

@@ -10,27 +10,41 @@
 
 namespace tvk::desk {
 
-std::string DeskReport::toJson() const {
-    const Histogram& wall = blocks.wall();
-    const Histogram& processor = blocks.processor();
+namespace {
+
+nlohmann::ordered_json toJson(const std::string& name, const ThreadTimes& times) {
+    const Histogram& wall = times.wall();
+    const Histogram& processor = times.processor();
     nlohmann::ordered_json thread;
-    thread["name"] = "AudioProcessor";
+    thread["name"] = name;
     thread["mean_us"] = wall.meanUs();
     thread["p50_us"] = wall.quantileUs(0.5);
     thread["p99_us"] = wall.quantileUs(0.99);
     thread["max_us"] = wall.maxUs();
-    thread["deadline_us"] = static_cast<double>(blocks.deadline().count()) * 1e-3;
-    thread["overruns"] = blocks.wallOverruns();
+    thread["deadline_us"] = static_cast<double>(times.deadline().count()) * 1e-3;
+    thread["overruns"] = times.wallOverruns();
+    thread["cpu_mean_us"] = processor.meanUs();
     thread["cpu_p50_us"] = processor.quantileUs(0.5);
     thread["cpu_p99_us"] = processor.quantileUs(0.99);
     thread["cpu_max_us"] = processor.maxUs();
-    thread["cpu_overruns"] = blocks.processorOverruns();
+    thread["cpu_overruns"] = times.processorOverruns();
+    return thread;
+}
+
+}  // namespace
+
+std::string DeskReport::toJson() const {
+    nlohmann::ordered_json threads =
+        nlohmann::ordered_json::array({desk::toJson("AudioProcessor", blocks.times())});
+    jobs.forEach([&threads](const std::string& name, const ThreadTimes& times) {
+        threads.push_back(desk::toJson(name, times));
+    });
 
     nlohmann::ordered_json json;
     json["seconds"] = static_cast<double>(levels.frames()) / rateHz;
-    json["blocks"] = wall.count();
+    json["blocks"] = blocks.times().wall().count();
     json["xruns"] = xruns;
-    json["threads"] = nlohmann::ordered_json::array({thread});
+    json["threads"] = threads;
     json["machine"] = {{"wake_p50_us", wakeLateness.quantileUs(0.5)},
                        {"wake_p99_us", wakeLateness.quantileUs(0.99)},
                        {"wake_max_us", wakeLateness.maxUs()}};

@@ -24,6 +24,7 @@ void DeskSession::run(Model& model, StopSignal& stop) {
                 isVirtual ? "virtual" : "real", static_cast<int>(getpid()));
     if (options_.slot) model.setAudioProcessingPreset(*options_.slot);
     turnKnobs(options_.knobs, model);
+    model.setCabsim(options_.cabinet);
 
     writer_.start([&model] { return model.getXrunCount(); });
     card_.beginTransport();

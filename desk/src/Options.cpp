@@ -97,6 +97,10 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
            "times. Pins not named stand as for the demonstration. Example: --knob PB_0=0.7")
         ->type_name("PIN=VALUE")
         ->allow_extra_args(false);
+    app.add_option("--cabinet", options.cabinet,
+                   "The line feed's cabinet response, after the preset: a path on the amplifier without its "
+                   ".wav, the name of a user response, or none. Example: --cabinet none")
+        ->type_name("NAME");
     app.add_option("--root", root,
                    "Holds the stand-ins for /home/root and /mnt/user-data; filled with product data when "
                    "empty. The default is a folder for temporary files. Example: --root out/root")

@@ -2,8 +2,9 @@
 //
 //   seconds, blocks       of the transport so far
 //   xruns                 failed reads and writes that the engine counted
-//   threads               per timed thread: time per block in us, blocks over the deadline; cpu_ figures are
-//                         processor time, which leaves out interruptions
+//   threads               the audio thread and every helper that had a job: time per block or job in us,
+//                         those over the deadline; cpu_ figures are processor time, which leaves out
+//                         interruptions
 //   machine               how late the machine woke the audio thread after a period's end, us (real clock)
 //   peak, rms_dbfs        speaker feed, line feed
 #pragma once
@@ -11,6 +12,7 @@
 #include <string>
 
 #include "desk/BlockStatistics.h"
+#include "desk/JobStatistics.h"
 #include "desk/LevelMeter.h"
 #include "desk/soundcard/Histogram.h"
 
@@ -21,6 +23,7 @@ struct DeskReport {
     long xruns = 0;
     const LevelMeter& levels;
     const BlockStatistics& blocks;
+    const JobStatistics& jobs;
     const Histogram& wakeLateness;
 
     std::string toJson() const;

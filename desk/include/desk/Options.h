@@ -20,6 +20,7 @@ struct Options {
     std::optional<double> seconds;
     std::optional<int> slot = 2;  // none loads nothing
     PanelKnobs knobs = demonstrationKnobs();
+    std::string cabinet = demonstrationCabinet();  // as the parameter idCabinet takes it
     std::filesystem::path root;
     VirtualCard::ClockMode clock = VirtualCard::ClockMode::Real;
     std::vector<Fault> faults;

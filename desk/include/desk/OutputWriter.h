@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "desk/BlockStatistics.h"
+#include "desk/JobStatistics.h"
 #include "desk/LevelMeter.h"
 #include "desk/soundcard/VirtualCard.h"
 #include "wav/WavWriter.h"
@@ -22,7 +23,7 @@ class OutputWriter {
 public:
     // Sets up the files, empty but valid. Throws tvk::Exception when one of them cannot be written; then
     // neither is left behind. xruns is asked from the writer's thread, and until finish.
-    OutputWriter(VirtualCard& card, const BlockStatistics& blocks, std::optional<std::string> wavPath,
+    OutputWriter(VirtualCard& card, const BlockStatistics& blocks, const JobStatistics& jobs, std::optional<std::string> wavPath,
                  std::optional<std::string> reportPath);
     ~OutputWriter();
     OutputWriter(const OutputWriter&) = delete;
@@ -44,6 +45,7 @@ private:
 
     VirtualCard& card_;
     const BlockStatistics& blocks_;
+    const JobStatistics& jobs_;
     const std::optional<std::string> reportPath_;
     std::optional<WavWriter> wav_;
     LevelMeter levels_;

@@ -15,6 +15,9 @@ using PanelKnobs = std::map<std::string, float>;
 // 0.
 PanelKnobs demonstrationKnobs();
 
+// The cabinet that goes with it.
+std::string demonstrationCabinet();
+
 // Reads "PIN=VALUE" into the knobs, in place of an earlier value. Throws Refusal for an unknown pin, one that
 // only a panel can serve (PB_1, PB2_AND_PB10, PC_10, PF0_AND_PF1), or a value outside the pin's range.
 void readKnob(const std::string& text, PanelKnobs& knobs);

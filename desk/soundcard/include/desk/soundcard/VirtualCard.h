@@ -19,6 +19,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <vector>
 
@@ -50,6 +51,9 @@ public:
         // Frames of output to hand out; the transport is finished when they have been played.
         std::uint64_t transportFrames = kEndless;
         std::vector<Fault> faults;
+        // The virtual clock stands still before a period while this says so, as where helper threads still
+        // work for the period before. Empty for never. Asked by the audio thread.
+        std::function<bool()> holdsStill;
     };
 
     struct Counters {

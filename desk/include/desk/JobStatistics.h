@@ -1,0 +1,34 @@
+// How long the helper threads take for each job of the card's transport, thread by thread: the tank, the
+// tails of the convolvers.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "desk/ThreadTimes.h"
+#include "desk/soundcard/VirtualCard.h"
+#include "utility/JobTimer.h"
+
+namespace tvk::desk {
+
+class JobStatistics final : public JobObserver {
+public:
+    // Observes from here on, to its end; the card outlives the object, the helpers do not.
+    explicit JobStatistics(const VirtualCard& card) : card_(card) { install(this); }
+    ~JobStatistics() override { install(nullptr); }
+
+    void jobEnded(const char* thread, std::chrono::nanoseconds wall, std::chrono::nanoseconds processor,
+                  std::chrono::nanoseconds deadline) override;
+
+    // Visits every thread that ran a job, in the order of names. Any thread.
+    void forEach(const std::function<void(const std::string& thread, const ThreadTimes&)>& visit) const;
+
+private:
+    const VirtualCard& card_;
+    mutable std::mutex mutex_;
+    std::map<std::string, ThreadTimes, std::less<>> threads_;
+};
+
+}  // namespace tvk::desk
