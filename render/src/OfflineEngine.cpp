@@ -3,16 +3,27 @@
 #include <chrono>
 
 #include "core/System/DspUnitAudioBufferStorage.h"
+#include "utility/BackgroundJobs.h"
 #include "utility/Clock.h"
 #include "utility/Log.h"
 #include "utility/RealtimeThread.h"
 
 namespace tvk::render {
 
+namespace {
+
+// Blocks beyond its head are more than the convolver can take: then cabinets stay dry, with a warning.
+std::shared_ptr<IRProcessor> cabSim(int blockLength, int rateHz) {
+    if (blockLength > kLongestCabinetBlock) return nullptr;
+    return makeCabSim(blockLength, static_cast<float>(rateHz));
+}
+
+}  // namespace
+
 OfflineEngine::OfflineEngine(const DspUnitDatabase& database, int blockLength, int rateHz,
                              const std::string& processorUtilizationFilename)
     : dryGuitar_(static_cast<std::size_t>(blockLength)),
-      device_(kChannels, kChannels, &database, blockLength, processorUtilizationFilename, nullptr,
+      device_(kChannels, kChannels, &database, blockLength, processorUtilizationFilename, cabSim(blockLength, rateHz),
               static_cast<float>(rateHz)) {
     for (auto& input : inputs_)
         input.resize(static_cast<std::size_t>(blockLength));
@@ -36,6 +47,8 @@ double OfflineEngine::process() {
         device_.process();
         taken = clock.now() - start;
     }
+    // In real time the helpers have a block for a block's job and longer for a tail's.
+    BackgroundJobs::waitUntilIdle();
     log::drainRealtimeRing();
     return std::chrono::duration<double>(taken).count();
 }

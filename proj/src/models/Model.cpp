@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "algorithms/reverb/SpringTankResponse.h"
 #include "core/ProductProfile/ProductProfile.h"
 #include "proj/models/audio/AudioProcessor.h"
 #include "proj/models/audio/AudioProcessorThread.h"
@@ -62,6 +63,8 @@ Model::Model(const tvk::Platform& platform)
       audioProcessor_(std::make_unique<AudioProcessor>(engineSettings(platform), *productProfile_)),
       audioProcessorThread_(std::make_unique<AudioProcessorThread>(*audioProcessor_)) {
     tvk::log::debug(kTag, "Constructor called");
+    // The amps' tank, ready before the first preset asks for it.
+    SpringTankResponse::get(kSampleRateHz);
     audioProcessorThread_->start();
     while (!audioProcessor_->isStarted())
         tvk::Clock::current().sleepFor(kStartPoll);

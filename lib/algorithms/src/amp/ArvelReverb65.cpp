@@ -24,6 +24,7 @@ ArvelReverb65::ArvelReverb65(int blockLength, float sampleRate, float sysFloatTo
       powerAmp_(blockLength, sampleRate),
       powerSupply_(blockLength, kFullPowerVolts, sampleRate),
       impedanceCurve_(blockLength, sampleRate),
+      cabinet_(blockLength, sampleRate),
       normal_(static_cast<std::size_t>(blockLength)),
       vibrato_(normal_.size()) {
     tvk::log::debug(kTag, "sysFloatToVolts = %f", sysFloatToVolts_);
@@ -52,9 +53,10 @@ void ArvelReverb65::process(const float* inNormal, const float* inVibrato, float
     powerSupply_.process(c);
     if (isSpeakerImpedanceCurveEnabled_) impedanceCurve_.process(c);
 
+    cabinet_.process(c, c, outLine, outLine);
+
     scale(c, 1.0f / kFullPowerVolts, blockLength_);
-    // The cabinet stands between the two feeds.
-    std::copy_n(c, blockLength_, outLine);
+    scale(outLine, 1.0f / kFullPowerVolts, blockLength_);
 }
 
 void ArvelReverb65::setGain(float knob, bool isInit) {
@@ -90,20 +92,20 @@ void ArvelReverb65::setSag(int index, bool) {
 
 void ArvelReverb65::setCabinet(const std::string& name) {
     tvk::log::debug(kTag, "cabinet = %s", name.c_str());
-    cabinet_.name = name;
+    cabinet_.setFile(name);
 }
 
-void ArvelReverb65::setCabinetHPF(float hz, bool) {
+void ArvelReverb65::setCabinetHPF(float hz, bool isInit) {
     tvk::log::debug(kTag, "cabinet HPF = %f", hz);
-    cabinet_.hpfHz = std::clamp(hz, 20.0f, 500.0f);
+    cabinet_.setHPF(std::clamp(hz, 20.0f, 500.0f), isInit);
 }
 
-void ArvelReverb65::setCabinetLPF(float hz, bool) {
+void ArvelReverb65::setCabinetLPF(float hz, bool isInit) {
     tvk::log::debug(kTag, "cabinet LPF = %f", hz);
-    cabinet_.lpfHz = std::clamp(hz, 1000.0f, 20000.0f);
+    cabinet_.setLPF(std::clamp(hz, 1000.0f, 20000.0f), isInit);
 }
 
-void ArvelReverb65::setCabinetLevel(float db, bool) {
+void ArvelReverb65::setCabinetLevel(float db, bool isInit) {
     tvk::log::debug(kTag, "cabinet level = %f", db);
-    cabinet_.levelDb = std::clamp(db, -36.0f, 0.0f);
+    cabinet_.setOutputLevel(std::clamp(db, -36.0f, 0.0f), isInit);
 }

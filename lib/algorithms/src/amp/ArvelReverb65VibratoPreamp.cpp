@@ -1,6 +1,7 @@
 #include "algorithms/amp/ArvelReverb65VibratoPreamp.h"
 
 #include "Scale.h"
+#include "algorithms/reverb/SpringTankResponse.h"
 #include "math/StandardTaper.h"
 #include "tables/ArvelReverb65Curves.h"
 
@@ -22,7 +23,16 @@ ArvelReverb65VibratoPreamp::ArvelReverb65VibratoPreamp(int blockLength, float sa
       tonestack_(blockLength, sampleRate),
       stage2_(blockLength, sampleRate, 5.0f, 120.0555f, 367.8339f, tables::kArvelReverb65VibratoStage2),
       dryShelf_(blockLength, sampleRate, 0.0f, 5.0f, 5000.0f),
-      stage3_(blockLength, sampleRate, 5.0f, 14.91965f, 222.9328f, tables::kArvelReverb65VibratoStage3) {}
+      returnFilter_(10000.0f, sampleRate),
+      stage3_(blockLength, sampleRate, 5.0f, 14.91965f, 222.9328f, tables::kArvelReverb65VibratoStage3),
+      tremolo_(blockLength, sampleRate, OpticalTremoloCell::kArvelReverb65Ranges),
+      returnBuffer_(static_cast<std::size_t>(blockLength)),
+      reverb_(blockLength, sampleRate, SpringTankResponse::get(sampleRate)),
+      handover_(blockLength),
+      reverbThread_(reverb_, handover_, blockLength, sampleRate) {
+    setSpeed(0.0f, true);
+    setIntensity(0.0f, true);
+}
 
 void ArvelReverb65VibratoPreamp::process(float* x) {
     stage1_.process(x);
@@ -30,20 +40,25 @@ void ArvelReverb65VibratoPreamp::process(float* x) {
     tonestack_.process(x);
     scale(x, kAfterTonestack, blockLength_);
     stage2_.process(x);
-    // The tank's send stands between these two gains, its return behind the shelf.
-    scale(x, kAfterStage2 * kReverbMixer, blockLength_);
+    scale(x, kAfterStage2, blockLength_);
+    handover_.exchange(x, returnBuffer_.data());
+    scale(x, kReverbMixer, blockLength_);
     dryShelf_.process(x);
+    returnFilter_.process(returnBuffer_.data(), blockLength_);
+    for (int n = 0; n < blockLength_; ++n)
+        x[n] += returnBuffer_[static_cast<std::size_t>(n)];
     stage3_.process(x);
-    // The vibrato stands between these two gains.
-    scale(x, kAfterStage3 * kToMixer, blockLength_);
+    scale(x, kAfterStage3, blockLength_);
+    tremolo_.process(x);
+    scale(x, kToMixer, blockLength_);
 }
 
-void ArvelReverb65VibratoPreamp::setReverb(float knob) {
-    effects_.reverb = knob;
-    effects_.reverbLevel = StandardTaper(effects_.reverbTaper == 0 ? "t20" : "t30").calc(knob);
+void ArvelReverb65VibratoPreamp::setReverb(float knob, bool isInit) {
+    reverbKnob_ = knob;
+    reverb_.setLevel(StandardTaper(reverbTaper_ == 0 ? "t20" : "t30").calc(knob), isInit);
 }
 
 void ArvelReverb65VibratoPreamp::setReverbTaper(int index) {
-    effects_.reverbTaper = index;
-    setReverb(effects_.reverb);
+    reverbTaper_ = index;
+    setReverb(reverbKnob_, false);
 }

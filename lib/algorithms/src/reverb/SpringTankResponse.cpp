@@ -13,7 +13,7 @@ namespace {
 
 struct Holder {
     std::mutex mutex;
-    std::string path;
+    std::string path = SpringTankResponse::kFile;
     int sampleRateHz = 0;
     std::shared_ptr<const PreparedResponse> response;
 };
@@ -25,7 +25,7 @@ Holder& holder() {
 
 std::shared_ptr<const PreparedResponse> load(const std::string& path, int sampleRateHz) {
     AudioFileReader reader(sampleRateHz, 1);
-    if (path.empty() || !reader.load(tvk::ProductPaths::resolve(path))) {
+    if (!reader.load(tvk::ProductPaths::resolve(path))) {
         TVK_ERROR("no spring tank response, the tank is silent: '%s'", path.c_str());
         return nullptr;
     }

@@ -73,6 +73,7 @@ AudioProcessor::AudioProcessor(const AudioProcessorSettings& settings, const Pro
       periodTime_(timeOf(settings.audioBlockLength, settings.audioSampleRate)),
       productProfile_(productProfile),
       blockTimer_(settings.blockTimer),
+      irProcessor_(makeCabSim(static_cast<int>(blockLength_), sampleRate_)),
       unitDatabase_(std::make_unique<DefaultDspUnitDatabase>()),
       systemAudioDevice_(std::make_unique<SFAD_LoadPresetCabsim>(
           kGraphInputs, kGraphOutputs, unitDatabase_.get(), static_cast<int>(blockLength_),

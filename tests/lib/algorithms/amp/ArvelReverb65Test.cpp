@@ -181,64 +181,15 @@ TEST(ArvelReverb65, ControlsThatItsCircuitLacksWarnAndChangeNothing) {
               play(plain, guitar(100, 220.0), guitar(100, 330.0)));
 }
 
-TEST(ArvelReverb65, CabinetValuesAreLimitedAndLogged) {
-    ArvelReverb65 amp(kBlock, kSampleRate, kVolts, true);
-    const LogRecorder log;
-    amp.setCabinetHPF(600.0f, false);
-    EXPECT_EQ(amp.cabinet().hpfHz, 500.0f);
-    amp.setCabinetHPF(1.0f, true);
-    EXPECT_EQ(amp.cabinet().hpfHz, 20.0f);
-    amp.setCabinetLPF(10.0f, false);
-    EXPECT_EQ(amp.cabinet().lpfHz, 1000.0f);
-    amp.setCabinetLPF(30000.0f, false);
-    EXPECT_EQ(amp.cabinet().lpfHz, 20000.0f);
-    amp.setCabinetLevel(3.0f, false);
-    EXPECT_EQ(amp.cabinet().levelDb, 0.0f);
-    amp.setCabinetLevel(-50.0f, true);
-    EXPECT_EQ(amp.cabinet().levelDb, -36.0f);
-    amp.setCabinet("box.wav");
-    EXPECT_EQ(amp.cabinet().name, "box.wav");
-    EXPECT_EQ(log.lines(),
-              (std::vector<std::string>{
-                  "ArvelReverb65: cabinet HPF = 600.000000", "ArvelReverb65: cabinet HPF = 1.000000",
-                  "ArvelReverb65: cabinet LPF = 10.000000", "ArvelReverb65: cabinet LPF = 30000.000000",
-                  "ArvelReverb65: cabinet level = 3.000000", "ArvelReverb65: cabinet level = -50.000000",
-                  "ArvelReverb65: cabinet = box.wav"}));
-}
-
-TEST(ArvelReverb65, TheReverbKnobGoesThroughTheChosenTaper) {
-    ArvelReverb65 amp(kBlock, kSampleRate, kVolts, true);
-    amp.setReverb(0.5f, true);
-    EXPECT_NEAR(amp.effects().reverbLevel, 0.2f, 1e-4f);  // t20: 20 % at half travel
-    amp.setReverbTaper(1);
-    EXPECT_NEAR(amp.effects().reverbLevel, 0.3f, 1e-4f);  // t30
-    EXPECT_EQ(amp.effects().reverb, 0.5f);
-    amp.setReverbTaper(0);
-    EXPECT_NEAR(amp.effects().reverbLevel, 0.2f, 1e-4f);
-}
-
-TEST(ArvelReverb65, EffectControlsAreKept) {
-    ArvelReverb65 amp(kBlock, kSampleRate, kVolts, true);
-    amp.setReverbMute(true, false);
-    amp.setSpeed(0.3f, false);
-    amp.setIntensity(0.4f, false);
-    amp.setTremoloMute(true, false);
-    EXPECT_TRUE(amp.effects().reverbMute);
-    EXPECT_EQ(amp.effects().speed, 0.3f);
-    EXPECT_EQ(amp.effects().intensity, 0.4f);
-    EXPECT_TRUE(amp.effects().tremoloMute);
-}
-
 TEST(ArvelReverb65, TheLastWordsOfItsConstructionAreItsScaleItsCurveAndNoCabinet) {
     const LogRecorder log;
     const ArvelReverb65 amp(kBlock, kSampleRate, 1.25f, true);
-    const std::vector<std::string> lines = log.lines();
+    const std::vector<std::string> lines = log.startingWith("ArvelReverb65: ");
     ASSERT_GE(lines.size(), 3u);
     EXPECT_EQ(std::vector<std::string>(lines.end() - 3, lines.end()),
               (std::vector<std::string>{"ArvelReverb65: sysFloatToVolts = 1.250000",
                                         "ArvelReverb65: isSpeakerImpedanceCurveEnabled = 1",
                                         "ArvelReverb65: cabinet = none"}));
-    EXPECT_EQ(amp.cabinet().name, "none");
 }
 
 // 0.2 full scale at half the voltage is 0.1 full scale at the whole.

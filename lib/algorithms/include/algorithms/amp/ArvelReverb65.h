@@ -25,20 +25,13 @@
 #include "algorithms/amp/ArvelReverb65PowerSupply.h"
 #include "algorithms/amp/ArvelReverb65VibratoPreamp.h"
 #include "algorithms/amp/StandardAmpAlgorithmInterface.h"
+#include "algorithms/cabsim/UserIRQNS.h"
 #include "math/BqHighShelf.h"
 #include "math/OnePoleHighPass.h"
 
 class ArvelReverb65 : public StandardAmpAlgorithmInterface {
 public:
     static constexpr float kFullPowerVolts = 101.0f;
-
-    // What the line feed's cabinet is asked for.
-    struct CabinetControls {
-        std::string name = "none";
-        float hpfHz = 20.0f;
-        float lpfHz = 20000.0f;
-        float levelDb = -12.0f;
-    };
 
     // blockLength: samples per call, at sampleRate (Hz). sysFloatToVolts: volts of a full-scale sample at the
     // input jack.
@@ -71,21 +64,19 @@ public:
     void setVibratoBright(bool on, bool isInit) { vibratoPreamp_.tonestack().setBrightSw(on, isInit); }
 
     // Reverb and vibrato of the vibrato channel. Knobs 0 to 1; taper 0 is t20, any other t30.
-    void setReverb(float knob, bool) { vibratoPreamp_.setReverb(knob); }
-    void setReverbMute(bool on, bool) { vibratoPreamp_.setReverbMute(on); }
+    void setReverb(float knob, bool isInit) { vibratoPreamp_.setReverb(knob, isInit); }
+    void setReverbMute(bool on, bool isInit) { vibratoPreamp_.setReverbMute(on, isInit); }
     void setReverbTaper(int index) { vibratoPreamp_.setReverbTaper(index); }
-    void setSpeed(float knob, bool) { vibratoPreamp_.setSpeed(knob); }
-    void setIntensity(float knob, bool) { vibratoPreamp_.setIntensity(knob); }
-    void setTremoloMute(bool on, bool) { vibratoPreamp_.setTremoloMute(on); }
-    const ArvelReverb65VibratoPreamp::EffectControls& effects() const { return vibratoPreamp_.effects(); }
+    void setSpeed(float knob, bool isInit) { vibratoPreamp_.setSpeed(knob, isInit); }
+    void setIntensity(float knob, bool isInit) { vibratoPreamp_.setIntensity(knob, isInit); }
+    void setTremoloMute(bool on, bool isInit) { vibratoPreamp_.setTremoloMute(on, isInit); }
 
-    // The line feed's cabinet: a path or "none"; filters limited to 20 to 500 Hz and 1000 to 20000 Hz, level
-    // to -36 to 0 dB.
+    // The line feed's cabinet: a response's name or "none" (IRBase tells of names); filters limited to 20 to
+    // 500 Hz and 1000 to 20000 Hz, level to -36 to 0 dB.
     void setCabinet(const std::string& name);
     void setCabinetHPF(float hz, bool isInit);
     void setCabinetLPF(float hz, bool isInit);
     void setCabinetLevel(float db, bool isInit);
-    const CabinetControls& cabinet() const { return cabinet_; }
 
 private:
     const int blockLength_;
@@ -99,7 +90,7 @@ private:
     ArvelReverb65PowerAmp powerAmp_;
     ArvelReverb65PowerSupply powerSupply_;
     ArvelReverb65ImpedanceCurve impedanceCurve_;
-    CabinetControls cabinet_;
+    UserIRQNS cabinet_;
     std::vector<float> normal_;
     std::vector<float> vibrato_;
 };

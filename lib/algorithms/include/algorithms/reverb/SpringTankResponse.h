@@ -18,11 +18,14 @@ public:
     static constexpr int kSmallBlock = 128;
     static constexpr int kHeadLength = 2048;
 
-    // Where the WAV file lies, absolute; a path of the amplifier finds its place on this machine. Drops what
-    // was loaded from another file, for those who ask later.
+    // The file that ships with the amplifier.
+    static constexpr const char* kFile = "/home/root/tank/SpringTank.wav";
+
+    // Takes another WAV file in its place: a path of the amplifier, which finds its place on this machine, or
+    // any other absolute one. Drops what was loaded before, for those who ask later.
     static void setFile(const std::string& path);
 
-    // Loads at the first call. Null, after an error in the log, when no file was set or it cannot be read at
-    // this rate (Hz); the next call tries again.
+    // Loads at the first call. Null, after an error in the log, when the file cannot be read at this rate
+    // (Hz); the next call tries again.
     static std::shared_ptr<const PreparedResponse> get(float sampleRate);
 };

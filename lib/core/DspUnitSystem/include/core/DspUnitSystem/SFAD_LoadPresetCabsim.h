@@ -9,6 +9,11 @@
 
 class IRProcessor;
 
+// The one convolver that all cabinets share: responses of 4096 samples, 128 of them direct, the tail on the
+// thread "cabSim". blockLength: at most kLongestCabinetBlock; sampleRate: Hz.
+constexpr int kLongestCabinetBlock = 128;
+std::shared_ptr<IRProcessor> makeCabSim(int blockLength, float sampleRate);
+
 class SFAD_LoadPresetCabsim : public SFAD_LoadPreset {
 public:
     // As SystemFixedAudioDevice; cabSim may be null, then cabinets pass their input through.
