@@ -23,6 +23,7 @@
 #include "proj/runner/Runner.h"
 #include "utility/BackgroundJobs.h"
 #include "utility/Exception.h"
+#include "utility/ProductPaths.h"
 #include "wav/GuitarFile.h"
 
 namespace {
@@ -64,6 +65,18 @@ void refuseUnwritable(const char* option, const std::optional<std::string>& file
     if (!isWritable) throw Refusal(std::string(option) + " " + *file + ": cannot be written");
 }
 
+// Where the amplifier will look for it.
+void refuseMissingCabinet(const std::string& name, const ProductRoot& root) {
+    if (name == "none" || name == "None") return;
+    ProductPaths::set(root.homeRoot.string(), root.userData.string());
+    const bool isPath = !name.empty() && name.front() == '/';
+    const std::string file = ProductPaths::resolve(
+        (isPath ? name : std::string(ProductPaths::kUserData) + "/userIRs/" + name) + ".wav");
+    if (!std::filesystem::is_regular_file(file))
+        throw Refusal("--cabinet " + name + ": there is no " + file +
+                      "; name a response without its .wav, or none");
+}
+
 VirtualCard::Settings cardSettings(const Options& options) {
     VirtualCard::Settings settings;
     settings.clock = options.clock;
@@ -92,6 +105,7 @@ int play(const Options& options) {
     VirtualCard::installConfiguration();
     VirtualCard::Settings settings = cardSettings(options);
     const ProductRoot root = ProductRoot::open(options.root);
+    refuseMissingCabinet(options.cabinet, root);
     const ProductProfile profile((root.homeRoot / "product_profile.json").string());
     settings.sensitiveGainDb = profile.getDreGainDeltaDb();
     VirtualCard& card = VirtualCard::instance();

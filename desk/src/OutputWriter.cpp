@@ -25,7 +25,9 @@ static_assert(sizeof(FrameRing::Frame) == kFeeds * sizeof(float), "frames are wr
 
 OutputWriter::OutputWriter(VirtualCard& card, const BlockStatistics& blocks, const JobStatistics& jobs,
                            std::optional<std::string> wavPath, std::optional<std::string> reportPath)
-    : card_(card), blocks_(blocks), jobs_(jobs), reportPath_(std::move(reportPath)), xruns_([] { return 0L; }) {
+    : card_(card), blocks_(blocks), jobs_(jobs), reportPath_(std::move(reportPath)), xruns_([] {
+          return 0L;
+      }) {
     saveReport();
     if (!wavPath) return;
     try {
@@ -95,8 +97,8 @@ void OutputWriter::takeOutput() {
 
 void OutputWriter::saveReport() {
     if (!reportPath_) return;
-    const DeskReport report{static_cast<int>(card_.settings().rateHz), xruns_(), levels_, blocks_, jobs_,
-                            card_.wakeLateness()};
+    const DeskReport report{
+        static_cast<int>(card_.settings().rateHz), xruns_(), levels_, blocks_, jobs_, card_.wakeLateness()};
     report.save(*reportPath_);
 }
 

@@ -55,12 +55,13 @@ float readNumber(const std::string& knob, const std::string& text) {
 }  // namespace
 
 PanelKnobs demonstrationKnobs() {
-    return {{"PA_0", 0.4f},  {"PA_1", 0.45f}, {"PA_2", 0.5f}, {"PA_3", 0.6f},  {"PA_4", 0.35f}, {"PA_5", 0.4f},
-            {"PA_6", 0.5f},  {"PA_7", 0.6f}, {"PB_0", 0.35f}, {"PF_4", 0.0f},  {"PC_0", 0.5f}, {"PC_1", 0.45f}, {"PF_5", 0.0f}};
+    return {{"PA_0", 0.4f}, {"PA_1", 0.45f}, {"PA_2", 0.5f}, {"PA_3", 0.6f},  {"PA_4", 0.35f},
+            {"PA_5", 0.4f}, {"PA_6", 0.5f},  {"PA_7", 0.6f}, {"PB_0", 0.35f}, {"PF_4", 0.0f},
+            {"PC_0", 0.5f}, {"PC_1", 0.45f}, {"PF_5", 0.0f}};
 }
 
 std::string demonstrationCabinet() {
-    return "none";
+    return "/home/root/factoryIRs/Arvel-SlatePanel-IRs/Arvel-Near-Center";
 }
 
 void readKnob(const std::string& text, PanelKnobs& knobs) {

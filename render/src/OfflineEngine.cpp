@@ -23,8 +23,8 @@ std::shared_ptr<IRProcessor> cabSim(int blockLength, int rateHz) {
 OfflineEngine::OfflineEngine(const DspUnitDatabase& database, int blockLength, int rateHz,
                              const std::string& processorUtilizationFilename)
     : dryGuitar_(static_cast<std::size_t>(blockLength)),
-      device_(kChannels, kChannels, &database, blockLength, processorUtilizationFilename, cabSim(blockLength, rateHz),
-              static_cast<float>(rateHz)) {
+      device_(kChannels, kChannels, &database, blockLength, processorUtilizationFilename,
+              cabSim(blockLength, rateHz), static_cast<float>(rateHz)) {
     for (auto& input : inputs_)
         input.resize(static_cast<std::size_t>(blockLength));
     for (int c = 0; c < kChannels; ++c)

@@ -15,5 +15,6 @@ public:
 
     std::chrono::nanoseconds now() override { return std::chrono::nanoseconds{0}; }
     void sleepFor(std::chrono::nanoseconds) override { std::this_thread::yield(); }
+    void nap(std::chrono::nanoseconds) override { std::this_thread::yield(); }
     int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
 };

@@ -23,8 +23,8 @@ class OutputWriter {
 public:
     // Sets up the files, empty but valid. Throws tvk::Exception when one of them cannot be written; then
     // neither is left behind. xruns is asked from the writer's thread, and until finish.
-    OutputWriter(VirtualCard& card, const BlockStatistics& blocks, const JobStatistics& jobs, std::optional<std::string> wavPath,
-                 std::optional<std::string> reportPath);
+    OutputWriter(VirtualCard& card, const BlockStatistics& blocks, const JobStatistics& jobs,
+                 std::optional<std::string> wavPath, std::optional<std::string> reportPath);
     ~OutputWriter();
     OutputWriter(const OutputWriter&) = delete;
     OutputWriter& operator=(const OutputWriter&) = delete;

@@ -15,6 +15,6 @@ BackgroundFFTConvolverThread::~BackgroundFFTConvolverThread() {
 }
 
 void BackgroundFFTConvolverThread::loop() {
-    tvk::Clock::current().sleepFor(sleepMicroseconds_);
+    tvk::Clock::current().nap(sleepMicroseconds_);
     convolver_.runTail();
 }

@@ -28,7 +28,7 @@ int BackgroundJobs::pending() {
 
 void BackgroundJobs::waitUntilIdle() {
     while (pending() != 0)
-        Clock::current().sleepFor(kLookPeriod);
+        Clock::current().nap(kLookPeriod);
 }
 
 }  // namespace tvk

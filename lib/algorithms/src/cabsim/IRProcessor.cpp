@@ -62,7 +62,7 @@ void IRProcessor::load(std::span<const float> response) {
 void IRProcessor::takeOutOfAudioPath() {
     active_.store(0);
     while (inProcess_.load() != 0)
-        tvk::Clock::current().sleepFor(blockPeriod_);
+        tvk::Clock::current().nap(blockPeriod_);
 }
 
 bool IRProcessor::readResponse(const std::string& path) {
@@ -78,7 +78,7 @@ void IRProcessor::swapStages() {
         std::make_shared<const PreparedResponse>(irData_.data(), irCapacity_, middleBlock_, headLength_),
         blockSize_, sampleRate_);
     while (!convolver_.isTailIdle())
-        tvk::Clock::current().sleepFor(blockPeriod_);
+        tvk::Clock::current().nap(blockPeriod_);
     convolver_.exchange(std::move(stages));
 }
 

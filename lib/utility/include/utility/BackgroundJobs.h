@@ -18,7 +18,7 @@ public:
     // Jobs handed over and not done.
     static int pending();
 
-    // Sleeps on the clock in force until nothing is pending. Control threads and the renderer.
+    // Naps until nothing is pending. Control threads and the renderer.
     static void waitUntilIdle();
 };
 

@@ -19,6 +19,10 @@ public:
     // Blocks the calling thread; resumes after signals until the whole time has passed.
     virtual void sleepFor(std::chrono::nanoseconds duration) = 0;
 
+    // The pause between two looks at what another thread does: helpers looking for work, whoever waits for a
+    // helper. In the machine's time, whatever this clock's is: the other thread works in that.
+    virtual void nap(std::chrono::nanoseconds duration);
+
     // poll(2) with a timeout in this clock's time; a negative timeout waits for ever.
     virtual int poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) = 0;
 

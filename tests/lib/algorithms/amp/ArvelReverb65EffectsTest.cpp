@@ -162,7 +162,8 @@ TEST_F(VibratoChannel, AStalledTankHoldsTheAudioThreadWithWarningsUntilItGoesOn)
 TEST_F(VibratoChannel, TheVibratoModulatesTheChannelAndItsMuteTakesThatBack) {
     Samples tone(static_cast<std::size_t>(1400 * kBlock));
     for (std::size_t n = 0; n < tone.size(); ++n)
-        tone[n] = static_cast<float>(1e-3 * std::sin(2.0 * std::numbers::pi * 1000.0 * double(n) / kSampleRate));
+        tone[n] =
+            static_cast<float>(1e-3 * std::sin(2.0 * std::numbers::pi * 1000.0 * double(n) / kSampleRate));
     const auto swing = [&](bool isMuted) {
         Preamp preamp(kBlock, kSampleRate);
         preamp.setIntensity(1.0f, true);
@@ -246,10 +247,9 @@ TEST_F(LineFeed, CabinetSettersLogWhatTheyWereGiven) {
     amp.setCabinetLevel(3.0f, false);
     amp.setCabinet(wire);
     EXPECT_EQ(log.startingWith("ArvelReverb65: "),
-              (std::vector<std::string>{"ArvelReverb65: cabinet HPF = 600.000000",
-                                        "ArvelReverb65: cabinet LPF = 10.000000",
-                                        "ArvelReverb65: cabinet level = 3.000000",
-                                        "ArvelReverb65: cabinet = " + wire}));
+              (std::vector<std::string>{
+                  "ArvelReverb65: cabinet HPF = 600.000000", "ArvelReverb65: cabinet LPF = 10.000000",
+                  "ArvelReverb65: cabinet level = 3.000000", "ArvelReverb65: cabinet = " + wire}));
 }
 
 TEST_F(LineFeed, ItsLevelIsThatOfTheCabinet) {

@@ -6,8 +6,8 @@
 //      +-> x 0.0405 -> 5 dB shelf at 5 kHz -> + <- 10 kHz low-pass <- tank, one block late <-------+
 //      -> valve 3 -> x 1.084 -> vibrato -> x 0.516 -> out
 //
-// The vibrato comes after the return, so that it modulates the reverb's tail too. The tank runs on a thread of
-// its own.
+// The vibrato comes after the return, so that it modulates the reverb's tail too. The tank runs on a thread
+// of its own.
 #pragma once
 
 #include <atomic>

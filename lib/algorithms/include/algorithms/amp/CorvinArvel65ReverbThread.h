@@ -1,7 +1,7 @@
 // The thread "AudRvbFrontThrd" of an amp's spring tank: looks for a block about once a sample and runs it.
 //
-// The tank's direct convolution does not fit the audio thread's share of a period; here it has a period of its
-// own.
+// The tank's direct convolution does not fit the audio thread's share of a period; here it has a period of
+// its own.
 #pragma once
 
 #include <chrono>
