@@ -94,12 +94,17 @@ TEST_F(Refusal, RootThatCannotBeMade) {
     EXPECT_THAT(desk.errorLines(), SizeIs(1));
 }
 
+TEST_F(Refusal, ACabinetThatIsNotThere) {
+    expectRefused({"--cabinet", "/home/root/factoryIRs/Nowhere"}, "Nowhere.wav");
+    expectRefused({"--cabinet", "Mine"}, "userIRs/Mine.wav");
+}
+
 TEST_F(Refusal, HelpTellsEveryOptionWithAnExample) {
     DeskProcess desk(folder(), {"--help"});
     EXPECT_EQ(desk.wait(), 0);
     EXPECT_THAT(desk.errorLines(), IsEmpty());
     for (const char* option : {"--help", "--in", "--loop", "--out", "--seconds", "--slot", "--knob", "--root",
-                               "--clock", "--report", "--fault"}) {
+                               "--clock", "--report", "--fault", "--cabinet"}) {
         const auto lines = desk.outputLines();
         const bool isTold = std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
             return line.find(option) < 8 && line.find(std::string("Example: ") + option) != std::string::npos;

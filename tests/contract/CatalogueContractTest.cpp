@@ -18,6 +18,7 @@
 #include "shared/DspUnitInfo/DefaultDspUnitDatabase.h"
 #include "support/LogRecorder.h"
 #include "support/RealtimeGuard.h"
+#include "utility/BackgroundJobs.h"
 #include "utility/RealtimeThread.h"
 
 namespace {
@@ -60,6 +61,8 @@ protected:
                 sample = source();
         const tvk::RealtimeThreadScope realtime;
         unit->process();
+        // In real time a unit's helper threads have a block's time or more for their share.
+        tvk::BackgroundJobs::waitUntilIdle();
     }
     float loudest() const {
         float most = 0.0f;

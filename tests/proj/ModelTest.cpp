@@ -112,7 +112,7 @@ TEST_F(ModelTest, ConstructionEndsWithTheFirstBlockDone) {
                   (Lines{"Model: Constructor called", "Model: Constructor complete"}));
         EXPECT_EQ(model.getSampleRate(), 44100.0f);
         EXPECT_EQ(model.getXrunCount(), 0);
-        EXPECT_EQ(model.getIrProcessor(), nullptr);
+        EXPECT_NE(model.getIrProcessor(), nullptr);
     });
 }
 

@@ -1,11 +1,13 @@
 #include "math/TailExchange.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "math/FFTConv2.h"
 #include "utility/BackgroundJobs.h"
 #include "utility/HelperStall.h"
+#include "utility/JobTimer.h"
 #include "utility/Log.h"
 #include "utility/RealtimeThread.h"
 
@@ -24,6 +26,8 @@ TailExchange::~TailExchange() {
 
 void TailExchange::connect(FFTConv2* tail) {
     tail_ = tail;
+    if (tail)
+        deadline_ = std::chrono::nanoseconds(std::llround(1e9 * blockLength_ / double(tail->sampleRate())));
     std::fill(tailOut_.begin(), tailOut_.end(), 0.0f);
     std::fill(tailNext_.begin(), tailNext_.end(), 0.0f);
     hasLostInput_ = false;
@@ -74,6 +78,7 @@ void TailExchange::runPending() {
         std::uint32_t next = run_.load(std::memory_order_relaxed);
         for (; next != written_.load(std::memory_order_acquire); ++next, ++jobs) {
             tvk::HelperStall::pass(name_.c_str());
+            const tvk::JobTimer timer(name_.c_str(), deadline_);
             const Block& block = ring_[next % kRingBlocks];
             if (block.isAfterLoss) tail_->reset();
             std::fill(tailNext_.begin(), tailNext_.end(), 0.0f);

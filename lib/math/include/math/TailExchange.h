@@ -16,6 +16,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -62,6 +63,7 @@ private:
     const int blockLength_;
     const std::string name_;
     FFTConv2* tail_ = nullptr;
+    std::chrono::nanoseconds deadline_{0};  // a head's length
     std::atomic<std::uint8_t> tailRequest_{0};
     std::atomic<std::uint8_t> tailDone_{1};
 
