@@ -105,7 +105,7 @@ int play(const Options& options) {
     VirtualCard::installConfiguration();
     VirtualCard::Settings settings = cardSettings(options);
     const ProductRoot root = ProductRoot::open(options.root);
-    refuseMissingCabinet(options.cabinet, root);
+    if (options.cabinet) refuseMissingCabinet(*options.cabinet, root);
     const ProductProfile profile((root.homeRoot / "product_profile.json").string());
     settings.sensitiveGainDb = profile.getDreGainDeltaDb();
     VirtualCard& card = VirtualCard::instance();

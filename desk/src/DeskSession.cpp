@@ -24,7 +24,7 @@ void DeskSession::run(Model& model, StopSignal& stop) {
                 isVirtual ? "virtual" : "real", static_cast<int>(getpid()));
     if (options_.slot) model.setAudioProcessingPreset(*options_.slot);
     turnKnobs(options_.knobs, model);
-    model.setCabsim(options_.cabinet);
+    model.setCabsim(options_.cabinet.value_or(demonstrationCabinet()));
 
     writer_.start([&model] { return model.getXrunCount(); });
     card_.beginTransport();

@@ -59,8 +59,10 @@ protected:
         for (auto& input : inputs_)
             for (float& sample : input)
                 sample = source();
-        const tvk::RealtimeThreadScope realtime;
-        unit->process();
+        {
+            const tvk::RealtimeThreadScope realtime;
+            unit->process();
+        }
         // In real time a unit's helper threads have a block's time or more for their share.
         tvk::BackgroundJobs::waitUntilIdle();
     }

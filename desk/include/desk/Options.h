@@ -20,7 +20,8 @@ struct Options {
     std::optional<double> seconds;
     std::optional<int> slot = 2;  // none loads nothing
     PanelKnobs knobs = demonstrationKnobs();
-    std::string cabinet = demonstrationCabinet();  // as the parameter idCabinet takes it
+    std::optional<std::string>
+        cabinet;  // as the parameter idCabinet takes it; the demonstration's when not given
     std::filesystem::path root;
     VirtualCard::ClockMode clock = VirtualCard::ClockMode::Real;
     std::vector<Fault> faults;

@@ -25,7 +25,7 @@ Holder& holder() {
 
 std::shared_ptr<const PreparedResponse> load(const std::string& path, int sampleRateHz) {
     AudioFileReader reader(sampleRateHz, 1);
-    if (!reader.load(tvk::ProductPaths::resolve(path))) {
+    if (path.empty() || !reader.load(tvk::ProductPaths::resolve(path))) {
         TVK_ERROR("no spring tank response, the tank is silent: '%s'", path.c_str());
         return nullptr;
     }

@@ -37,6 +37,7 @@ void writeWav(const std::string& path, const Signal& samples) {
 
 class SpringConv : public testing::Test {
 protected:
+    SpringConv() { SpringTankResponse::setFile(""); }
     ~SpringConv() override { SpringTankResponse::setFile(""); }
 
     static Parameter<float>& level(DUBS_SpringConv& unit) {
