@@ -21,7 +21,7 @@ std::optional<FFTConv2> stageOn(const std::shared_ptr<const PartitionSpectra>& s
 
 }  // namespace
 
-SplitConvolver::Stages::Stages(std::shared_ptr<const PreparedResponse> response, int blockSize,
+SplitConvolver::Stages::Stages(const std::shared_ptr<const PreparedResponse>& response, int blockSize,
                                float sampleRate)
     : head(response->head, blockSize),
       middle(stageOn(response->middle, sampleRate)),

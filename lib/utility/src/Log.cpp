@@ -57,11 +57,11 @@ std::atomic<bool> debugEnabled{false};
 struct RingLine {
     // Whose turn it is with this slot: that of the producer at this index, or, one further on, of the reader.
     std::atomic<unsigned> turn{0};
-    bool isDiagnostic;
-    Severity severity;
-    const char* tagOrFile;
-    int line;
-    char text[240];
+    bool isDiagnostic = false;
+    Severity severity = Severity::Warn;
+    const char* tagOrFile = nullptr;
+    int line = 0;
+    char text[240] = {};
 };
 
 constexpr unsigned kRingLines = 128;

@@ -26,7 +26,7 @@ class SplitConvolver {
 public:
     // The stages of one response with their memory, built on a control thread.
     struct Stages {
-        Stages(std::shared_ptr<const PreparedResponse> response, int blockSize, float sampleRate);
+        Stages(const std::shared_ptr<const PreparedResponse>& response, int blockSize, float sampleRate);
 
         DirectFir head;
         std::optional<FFTConv2> middle;
