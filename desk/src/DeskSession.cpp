@@ -14,6 +14,8 @@ namespace {
 
 // How long a stop may go unseen.
 constexpr std::chrono::milliseconds kLook{10};
+// As loud as without a cabinet; a preset's own -12 dB is for those that are uploaded.
+constexpr float kCabinetLevelDb = 0.0f;
 
 }  // namespace
 
@@ -24,6 +26,7 @@ void DeskSession::run(Model& model, StopSignal& stop) {
                 isVirtual ? "virtual" : "real", static_cast<int>(getpid()));
     if (options_.slot) model.setAudioProcessingPreset(*options_.slot);
     turnKnobs(options_.knobs, model);
+    model.setCabsimLevel(kCabinetLevelDb);
     model.setCabsim(options_.cabinet.value_or(demonstrationCabinet()));
 
     writer_.start([&model] { return model.getXrunCount(); });
