@@ -15,7 +15,10 @@ namespace tvk::desk {
 class ThreadTimes {
 public:
     // deadline: what a block or job may take.
-    explicit ThreadTimes(std::chrono::nanoseconds deadline) : deadline_(deadline) {}
+    explicit ThreadTimes(std::chrono::nanoseconds deadline = {}) : deadline_(deadline) {}
+
+    // Before the first add.
+    void setDeadline(std::chrono::nanoseconds deadline) { deadline_ = deadline; }
 
     void add(std::chrono::nanoseconds wall, std::chrono::nanoseconds processor) {
         wall_.add(wall);
@@ -33,7 +36,7 @@ public:
     std::uint64_t processorOverruns() const { return processorOverruns_.load(std::memory_order_relaxed); }
 
 private:
-    const std::chrono::nanoseconds deadline_;
+    std::chrono::nanoseconds deadline_;
     Histogram wall_;
     Histogram processor_;
     std::atomic<std::uint64_t> wallOverruns_{0};
