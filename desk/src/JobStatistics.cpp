@@ -1,6 +1,6 @@
 #include "desk/JobStatistics.h"
 
-#include <string_view>
+#include <cstring>
 
 namespace tvk::desk {
 
@@ -12,21 +12,24 @@ void JobStatistics::jobEnded(const char* thread, std::chrono::nanoseconds wall,
                              std::chrono::nanoseconds processor, std::chrono::nanoseconds deadline) {
     if (!card_.isInTransport()) return;
     const std::lock_guard lock(mutex_);
-    auto entry = threads_.find(std::string_view(thread));
-    if (entry == threads_.end()) {
-        if (threads_.size() == kMostThreads) return;
-        ThreadTimes* const times = &times_[threads_.size()];
-        times->setDeadline(deadline);
-        entry = threads_.try_emplace(thread, times).first;
-    }
-    entry->second->add(wall, processor);
+    if (Entry* const entry = find(thread, deadline)) entry->times.add(wall, processor);
+}
+
+JobStatistics::Entry* JobStatistics::find(const char* thread, std::chrono::nanoseconds deadline) {
+    for (std::size_t i = 0; i < used_; ++i)
+        if (std::strcmp(entries_[i].thread.data(), thread) == 0) return &entries_[i];
+    if (used_ == kMostThreads) return nullptr;
+    Entry& entry = entries_[used_++];
+    std::strncpy(entry.thread.data(), thread, entry.thread.size() - 1);
+    entry.times.setDeadline(deadline);
+    return &entry;
 }
 
 void JobStatistics::forEach(
     const std::function<void(const std::string& thread, const ThreadTimes&)>& visit) const {
     const std::lock_guard lock(mutex_);
-    for (const auto& [thread, times] : threads_)
-        visit(thread, *times);
+    for (std::size_t i = 0; i < used_; ++i)
+        visit(entries_[i].thread.data(), entries_[i].times);
 }
 
 }  // namespace tvk::desk
