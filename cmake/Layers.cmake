@@ -30,6 +30,8 @@ function(tarvek_tests name)
   endif()
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  # The code under test is optimised, its tests are compiled fast.
+  target_compile_options(${name} PRIVATE -O1)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
   set(labels)
   if(ARG_NATIVE)
