@@ -78,11 +78,12 @@ void checkWritable(const PendingFile& file, const std::string& path) {
 void renderFiles(const CommandLine& line, const DspUnitDatabase& database, std::ostream& out) {
     if (line.inputFile.empty() || line.outputFile.empty()) TVK_THROW("--in and --out are needed");
     const WarningCollector collector(out);
+    // First, since its device has the cabinet convolver that units ask for when they are made.
+    OfflineEngine engine(database, line.blockLength, line.rateHz, costFile());
     const std::string preset = presetText(line, database);
     const GuitarFile guitar(line.inputFile, line.rateHz);
     const RenderPlan plan = makePlan(line);
     DspUnitInputVoltageMappingConfig::set(inputVoltage(line));
-    OfflineEngine engine(database, line.blockLength, line.rateHz, costFile());
     engine.device().loadPreset(preset);
     checkChanges(plan, engine, guitar.frames());
 

@@ -103,8 +103,10 @@ TEST_F(StartAndStop, FilesGrowWhileItPlays) {
     const auto playedSeconds = [&] {
         return nlohmann::json::parse(readText(reportFile("out")))["seconds"].get<double>();
     };
-    while (playedSeconds() == 0.0)
+    while (playedSeconds() == 0.0) {
+        ASSERT_FALSE(desk.hasEnded()) << desk.errorLines().back();
         poll(nullptr, 0, 10);
+    }
     desk.signal(SIGINT);
     EXPECT_EQ(desk.wait(), 0);
     // The header is brought up to date before the report.

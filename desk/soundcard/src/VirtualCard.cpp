@@ -214,8 +214,9 @@ int VirtualCard::capture(float* interleaved, std::size_t frames) {
     const std::int64_t first = capture_.startFrame + capture_.moved;
     noteWake(first + static_cast<std::int64_t>(frames));
     const std::int64_t firstOfTransport = origin_ == kNoFrame ? kBeforeTransport : first - origin_;
-    isInTransport_ =
-        firstOfTransport >= 0 && static_cast<std::uint64_t>(firstOfTransport) < settings_.transportFrames;
+    isInTransport_.store(
+        firstOfTransport >= 0 && static_cast<std::uint64_t>(firstOfTransport) < settings_.transportFrames,
+        std::memory_order_relaxed);
     for (std::size_t i = 0; i < frames; ++i) {
         const std::int64_t transportFrame = firstOfTransport + static_cast<std::int64_t>(i);
         const float normal = guitarAt(0, transportFrame);

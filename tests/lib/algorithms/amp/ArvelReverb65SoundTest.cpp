@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -85,6 +86,20 @@ TEST_P(EachChannel, NoDirectVoltageReachesTheSpeaker) {
         const Harmonics h = measure(at1kHz(millivolts));
         EXPECT_LT(h.amplitude[0], 1e-3 * h.amplitude[1]) << millivolts << " mV";
     }
+}
+
+// What lies in the band and is no harmonic has folded back: harmonics above 61 kHz at three times the rate.
+TEST_P(EachChannel, AliasesOfFiveKilohertzAtFullGainStayFarUnderTheTone) {
+    constexpr int k5kHz = 465;  // periods in a window; no multiple of it below the rate meets another's image
+    constexpr int kInBand = 4;
+    const flagship::Knobs allUp{"", 1.0f, 1.0f, 1.0f, 1.0f, false};
+    const Harmonics h = measure({GetParam(), &allUp, k5kHz, 300.0});
+    double folded = h.rms * h.rms - h.amplitude[0] * h.amplitude[0];
+    for (int harmonic = 1; harmonic <= kInBand; ++harmonic)
+        folded -= 0.5 * h.amplitude[static_cast<std::size_t>(harmonic)] *
+                  h.amplitude[static_cast<std::size_t>(harmonic)];
+    const double tone = 0.5 * h.amplitude[1] * h.amplitude[1];
+    EXPECT_LT(10.0 * std::log10(std::max(folded, 1e-12) / tone), -40.0);
 }
 
 struct Golden {

@@ -86,8 +86,8 @@ public:
     // True once the transport's last frame has been played and can be taken. Any thread.
     bool transportFinished() const { return finished_.load(std::memory_order_acquire); }
 
-    // Whether the period read last belongs to the transport's frames. Audio thread.
-    bool isInTransport() const { return isInTransport_; }
+    // Whether the period read last belongs to the transport's frames. Any thread.
+    bool isInTransport() const { return isInTransport_.load(std::memory_order_relaxed); }
 
     // The output in order, at most `most` frames. One consumer thread.
     std::size_t takeOutput(FrameRing::Frame* to, std::size_t most) { return output_.take(to, most); }
@@ -162,7 +162,7 @@ private:
     Stream capture_;
     Stream playback_;
     std::int64_t origin_ = kNoFrame;  // card frame of transport frame 0
-    bool isInTransport_ = false;
+    std::atomic<bool> isInTransport_{false};
     std::int64_t playedUpTo_ = 0;  // card frame; all before it has been played
     std::vector<bool> faultIsDone_;
     std::int64_t shortReadEnd_ = kNoFrame;          // capture position at which a short read breaks off
