@@ -31,9 +31,10 @@ public:
     // The first line of standard output that starts with the text, from line `from` on; -1 without one.
     int findLine(const std::string& start, int from = 0) const;
 
-private:
+    // True once the process is gone.
     bool hasEnded();
 
+private:
     std::filesystem::path outputFile_;
     std::filesystem::path errorFile_;
     pid_t pid_ = -1;

@@ -50,7 +50,7 @@ inline std::string nameOf(const Case& c) {
     return text;
 }
 
-inline Harmonics measure(const Case& c, bool withImpedanceCurve = false) {
+inline Harmonics measure(const Case& c, bool withImpedanceCurve = false, int highest = kHighestHarmonic) {
     ArvelReverb65 amp(kBlock, kSampleRate, 1.0f, withImpedanceCurve);
     amp.setGain(c.knobs->volume, true);
     amp.setBass(c.knobs->bass, true);
@@ -66,7 +66,7 @@ inline Harmonics measure(const Case& c, bool withImpedanceCurve = false) {
         for (int n = 0; n < kBlock; ++n)
             block[n] *= ArvelReverb65::kFullPowerVolts;
     };
-    return probe(process, c.millivolts * 1e-3, c.cyclesPerWindow, kWindow, 4, kHighestHarmonic);
+    return probe(process, c.millivolts * 1e-3, c.cyclesPerWindow, kWindow, 4, highest);
 }
 
 inline std::vector<Case> cases() {
