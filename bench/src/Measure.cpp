@@ -43,19 +43,21 @@ double LowestCosts::highest() const {
 
 Measurement::Measurement(const NamedCase& named, const std::vector<float>& guitar)
     : name_(named.name),
-      unit_(named.make()),
+      make_(named.make),
       guitar_(guitar),
       turns_(static_cast<int>(guitar.size()) / (kBlockLength * Case::kBlocksPerTurn)),
       turnCosts_(turns_),
       blockCosts_(turns_ * Case::kBlocksPerTurn) {}
 
 void Measurement::round(int repeats) {
-    const auto play = [&](int i) { unit_->process(guitar_.data() + i * kBlockLength); };
+    const std::unique_ptr<Case> unit = make_();
+    hasBackground_ = unit->hasBackground();
+    const auto play = [&](int i) { unit->process(guitar_.data() + i * kBlockLength); };
 
     // A whole turn between two readings of the clock keeps the clock out of the mean.
-    for (int repeat = 0; repeat < repeats && !unit_->hasBackground(); ++repeat) {
+    for (int repeat = 0; repeat < repeats && !unit->hasBackground(); ++repeat) {
         for (int turn = 0; turn < turns_; ++turn) {
-            unit_->control(turn);
+            unit->control(turn);
             const double start = nowMicroseconds();
             for (int i = 0; i < Case::kBlocksPerTurn; ++i)
                 play(turn * Case::kBlocksPerTurn + i);
@@ -66,11 +68,11 @@ void Measurement::round(int repeats) {
     const double clock = clockMicroseconds();
     for (int repeat = 0; repeat < repeats; ++repeat) {
         for (int i = 0; i < turns_ * Case::kBlocksPerTurn; ++i) {
-            if (i % Case::kBlocksPerTurn == 0) unit_->control(i / Case::kBlocksPerTurn);
+            if (i % Case::kBlocksPerTurn == 0) unit->control(i / Case::kBlocksPerTurn);
             const double start = nowMicroseconds();
             play(i);
             blockCosts_.add(i, std::max(nowMicroseconds() - start - clock, 0.0));
-            unit_->background();
+            unit->background();
         }
     }
 }

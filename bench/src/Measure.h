@@ -5,6 +5,7 @@
 // while is so for every case and for the reference.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,21 +32,23 @@ public:
     // guitar: whole turns of Case::kBlocksPerTurn blocks; it outlives the measurement.
     Measurement(const NamedCase& named, const std::vector<float>& guitar);
 
-    // Plays the guitar `repeats` times in turns and as often block by block, without a reset in between.
+    // Plays the guitar `repeats` times in turns and as often block by block, on an object of the round's own:
+    // one that stays would have its threads look for work while other cases are timed.
     void round(int repeats);
 
     const std::string& name() const { return name_; }
     // Microseconds per block: the mean over all turns, or over all blocks where other threads work between
     // them.
     double meanMicroseconds() const {
-        return unit_->hasBackground() ? blockCosts_.mean() : turnCosts_.mean() / Case::kBlocksPerTurn;
+        return hasBackground_ ? blockCosts_.mean() : turnCosts_.mean() / Case::kBlocksPerTurn;
     }
     // The dearest block position over the mean of all positions.
     double worstOverMean() const { return blockCosts_.highest() / blockCosts_.mean(); }
 
 private:
     std::string name_;
-    std::unique_ptr<Case> unit_;
+    std::function<std::unique_ptr<Case>()> make_;
+    bool hasBackground_ = false;
     const std::vector<float>& guitar_;
     int turns_;
     LowestCosts turnCosts_;
