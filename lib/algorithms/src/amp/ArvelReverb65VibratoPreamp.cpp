@@ -4,8 +4,11 @@
 #include "algorithms/reverb/SpringTankResponse.h"
 #include "math/StandardTaper.h"
 #include "tables/ArvelReverb65Curves.h"
+#include "utility/Log.h"
 
 namespace {
+
+constexpr const char* kTag = "ArvelReverb65VibratoPreamp";
 
 // Gains of the linear network between the valves.
 constexpr float kAfterStage1 = 1.2589254f;
@@ -58,7 +61,13 @@ void ArvelReverb65VibratoPreamp::setReverb(float knob, bool isInit) {
     reverb_.setLevel(StandardTaper(reverbTaper_ == 0 ? "t20" : "t30").calc(knob), isInit);
 }
 
+void ArvelReverb65VibratoPreamp::setReverbMute(bool on, bool isInit) {
+    tvk::log::debug(kTag, "Reverb Mute: %s", on ? "true" : "false");
+    reverb_.setMute(on, isInit);
+}
+
 void ArvelReverb65VibratoPreamp::setReverbTaper(int index) {
+    tvk::log::debug(kTag, "Reverb Type: %d", index);
     reverbTaper_ = index;
     setReverb(reverbKnob_, false);
 }

@@ -105,6 +105,18 @@ TEST_F(VibratoChannel, AChangeOfTaperTakesTheStoredKnobThere) {
     EXPECT_NEAR(rms(changed, 0.1, 0.14), rms(t30, 0.1, 0.14), 0.01 * rms(t30, 0.1, 0.14));
 }
 
+TEST_F(VibratoChannel, MuteAndTaperAreLogged) {
+    Preamp preamp(kBlock, kSampleRate);
+    const LogRecorder log;
+    preamp.setReverbMute(true, false);
+    preamp.setReverbTaper(1);
+    preamp.setReverbMute(false, true);
+    EXPECT_EQ(log.startingWith("ArvelReverb65VibratoPreamp: "),
+              (std::vector<std::string>{"ArvelReverb65VibratoPreamp: Reverb Mute: true",
+                                        "ArvelReverb65VibratoPreamp: Reverb Type: 1",
+                                        "ArvelReverb65VibratoPreamp: Reverb Mute: false"}));
+}
+
 TEST_F(VibratoChannel, AMutedTankRunsOnAndItsTailComesBackWithTheMutesEnd) {
     const Samples burst = softBurst(700);
     Preamp dry(kBlock, kSampleRate);

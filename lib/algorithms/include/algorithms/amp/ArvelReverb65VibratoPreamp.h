@@ -35,7 +35,7 @@ public:
 
     // Control side, one thread at a time. Knobs 0 to 1; with isInit the value is there at once.
     void setReverb(float knob, bool isInit);
-    void setReverbMute(bool on, bool isInit) { reverb_.setMute(on, isInit); }
+    void setReverbMute(bool on, bool isInit);
     // 0 is t20, any other t30. Keeps the taper and glides to the knob's position through it.
     void setReverbTaper(int index);
     void setSpeed(float knob, bool isInit) { tremolo_.setSpeed(knob, isInit); }
