@@ -83,7 +83,8 @@ VirtualCard::Settings cardSettings(const Options& options) {
     settings.rateHz = kRateHz;
     settings.loop = options.loop;
     settings.faults = options.faults;
-    settings.holdsStill = [] { return BackgroundJobs::pending() != 0; };
+    // In real time the helpers have a block for a block's job and longer for a tail's.
+    settings.beforePeriod = BackgroundJobs::waitUntilIdle;
     std::uint64_t guitarFrames = 0;
     if (options.inFile) {
         const GuitarFile guitar(*options.inFile, kRateHz);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -55,10 +56,14 @@ bool isStored(IDspUnit& unit, const std::string& parameter) {
     return Json::parse(archive.toString()).contains(parameter);
 }
 
-void apply(Json& preset, const ParameterSetting& setting, const DspUnitDatabase& database) {
+// One for each type: an amp is dear to build.
+using Probes = std::map<std::string, std::unique_ptr<IDspUnit>>;
+
+void apply(Json& preset, const ParameterSetting& setting, const DspUnitDatabase& database, Probes& probes) {
     Json& node = findNode(preset, setting.node);
     const std::string tarvekId = node.value("TarvekId", "");
-    const std::unique_ptr<IDspUnit> probe = createProbe(database, tarvekId);
+    std::unique_ptr<IDspUnit>& probe = probes[tarvekId];
+    if (!probe) probe = createProbe(database, tarvekId);
     const auto parameters = probe->getParameters();
     const auto found = std::find_if(parameters.begin(), parameters.end(),
                                     [&](const auto& entry) { return entry.first == setting.parameter; });
@@ -133,8 +138,9 @@ std::string withSettings(const std::string& presetText, const std::vector<Parame
                          const DspUnitDatabase& database) {
     if (settings.empty()) return presetText;
     Json preset = Json::parse(presetText);
+    Probes probes;
     for (const ParameterSetting& setting : settings)
-        apply(preset, setting, database);
+        apply(preset, setting, database, probes);
     return preset.dump();
 }
 

@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "AudioProcessorFixture.h"
+#include "support/NotedClock.h"
 
 namespace {
 
@@ -77,17 +78,6 @@ TEST_F(AudioProcessorTest, AStartThatFailsIsAWarning) {
     tvk::log::drainRealtimeRing();
     EXPECT_TRUE(log.has("Warn Go error: No such device\n"));
 }
-
-// Time passes at once, and is written down.
-class NotedClock : public tvk::Clock {
-public:
-    NotedClock() { install(this); }
-    ~NotedClock() override { install(nullptr); }
-    std::chrono::nanoseconds now() override { return std::chrono::nanoseconds(0); }
-    void sleepFor(std::chrono::nanoseconds duration) override { sleeps.push_back(duration); }
-    int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
-    std::vector<std::chrono::nanoseconds> sleeps;
-};
 
 TEST_F(AudioProcessorTest, ADeviceThatIsGoneIsTriedOncePerPeriod) {
     build();

@@ -3,17 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <vector>
 
-inline std::vector<float> whiteNoise(int count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
-    std::vector<float> samples(static_cast<std::size_t>(count));
-    for (float& x : samples)
-        x = uniform(random);
-    return samples;
-}
+#include "support/WhiteNoise.h"
 
 // Noise that falls by 60 dB over its length behind a first arrival, as a room's or a cabinet's response does.
 inline std::vector<float> decayingNoise(int count, unsigned seed) {

@@ -23,13 +23,13 @@ see small_signal().
 """
 
 import dataclasses
-import wave
 
 import numpy as np
 from scipy.signal import lfilter
 
 import generated
 import spring_tank_curves
+import wav24
 
 COMMAND = "tools/data/spring_tank.py"
 PATH = generated.ROOT / "data" / "root" / "home" / "root" / "tank" / "SpringTank.wav"
@@ -167,25 +167,11 @@ def response():
     return h / wet_over_dry(h)[0]
 
 
-def read_wav(path):
-    with wave.open(str(path), "rb") as source:
-        if (source.getframerate(), source.getnchannels(), source.getsampwidth()) != (RATE_HZ, 1, 3):
-            raise ValueError(f"{path} is not 44100 Hz, mono, 24 bit")
-        data = np.frombuffer(source.readframes(source.getnframes()), np.uint8).reshape(-1, 3).astype(np.int32)
-    return ((data[:, 0] | data[:, 1] << 8 | data[:, 2] << 16) ^ 0x800000) / 2.0**23 - 1.0
-
-
 def write():
     h = response()
     if np.abs(h).max() >= 1.0:
         raise ValueError("the response does not fit full scale")
-    words = np.round(h * 2.0**23).astype("<i4")
-    PATH.parent.mkdir(parents=True, exist_ok=True)
-    with wave.open(str(PATH), "wb") as sink:
-        sink.setnchannels(1)
-        sink.setsampwidth(3)
-        sink.setframerate(RATE_HZ)
-        sink.writeframes(words.view(np.uint8).reshape(-1, 4)[:, :3].tobytes())
+    wav24.write(PATH, h)
     report(h)
 
 
@@ -207,7 +193,7 @@ def report(h):
 
 
 def check():
-    made, kept = response(), read_wav(PATH)
+    made, kept = response(), wav24.read(PATH)
     if len(made) != len(kept):
         return [f"{PATH.name}: {len(kept)} samples are committed, {len(made)} were made"]
     worst = 20.0 * np.log10(max(np.abs(made - kept).max(), 1e-12))
@@ -218,7 +204,7 @@ def check():
 def plot(directory):
     import spring_tank_pictures
 
-    spring_tank_pictures.draw(directory, read_wav(PATH))
+    spring_tank_pictures.draw(directory, wav24.read(PATH))
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@
 #include "desk/ThreadTimes.h"
 #include "desk/soundcard/VirtualCard.h"
 #include "proj/models/audio/BlockTimer.h"
+#include "utility/Stopwatch.h"
 
 namespace tvk::desk {
 
@@ -24,8 +25,7 @@ private:
     const VirtualCard& card_;
     ThreadTimes times_;
     bool isTiming_ = false;
-    std::chrono::nanoseconds wallStart_{0};
-    std::chrono::nanoseconds processorStart_{0};
+    Stopwatch stopwatch_;
 };
 
 }  // namespace tvk::desk

@@ -11,8 +11,6 @@ namespace tvk::desk {
 
 namespace {
 
-// Between looks at what holds the virtual clock, in the machine's time.
-constexpr std::chrono::microseconds kHoldNap{20};
 constexpr std::int64_t kNsPerSecond = 1000000000;
 constexpr std::int64_t kPeriod = VirtualCard::kPeriodFrames;
 // Adding a period to it stays before frame 0.
@@ -283,8 +281,7 @@ std::chrono::nanoseconds VirtualCard::nextProgress(Direction direction) {
 }
 
 void VirtualCard::awaitProgress(Direction direction) {
-    while (settings_.holdsStill && settings_.holdsStill())
-        std::this_thread::sleep_for(kHoldNap);
+    if (settings_.beforePeriod) settings_.beforePeriod();
     virtualTime_.waitUntil(nextProgress(direction));
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-LfoPWM::LfoPWM(float frequencyHz, float sampleRateHz) : Lfo(frequencyHz, sampleRateHz) {
-    LfoPWM::setFrequency(frequencyHz);
+LfoPWM::LfoPWM(float frequencyHz, float sampleRateHz) : CounterLfo(frequencyHz, sampleRateHz) {
+    LfoPWM::design();
 }
 
 float LfoPWM::tick() {
@@ -15,13 +15,11 @@ void LfoPWM::tick(float* out, int count) {
         out[n] = LfoPWM::tick();
 }
 
-void LfoPWM::setFrequency(float hz) {
-    frequency_ = limited(hz, sampleRate_);
-    counter_.setPeriod(static_cast<double>(sampleRate_) / frequency_);
+void LfoPWM::design() {
     highCount_ = duty_ * counter_.period();
 }
 
 void LfoPWM::setDuty(float duty) {
     duty_ = std::clamp(duty, 0.0f, 1.0f);
-    highCount_ = duty_ * counter_.period();
+    design();
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-LfoSawtooth::LfoSawtooth(float frequencyHz, float sampleRateHz) : Lfo(frequencyHz, sampleRateHz) {
-    LfoSawtooth::setFrequency(frequencyHz);
+LfoSawtooth::LfoSawtooth(float frequencyHz, float sampleRateHz) : CounterLfo(frequencyHz, sampleRateHz) {
+    LfoSawtooth::design();
 }
 
 float LfoSawtooth::tick() {
@@ -16,12 +16,6 @@ float LfoSawtooth::tick() {
 void LfoSawtooth::tick(float* out, int count) {
     for (int n = 0; n < count; ++n)
         out[n] = LfoSawtooth::tick();
-}
-
-void LfoSawtooth::setFrequency(float hz) {
-    frequency_ = limited(hz, sampleRate_);
-    counter_.setPeriod(static_cast<double>(sampleRate_) / frequency_);
-    design();
 }
 
 void LfoSawtooth::setSymmetry(float symmetry) {

@@ -2,8 +2,9 @@
 
 #include "math/ParabolicSine.h"
 
-LfoSineSync::LfoSineSync(float frequencyHz, float sampleRateHz) : Lfo(frequencyHz, sampleRateHz) {
-    LfoSineSync::setFrequency(frequencyHz);
+LfoSineSync::LfoSineSync(float frequencyHz, float sampleRateHz)
+    : CounterLfo(frequencyHz, sampleRateHz, Keeps::Count) {
+    LfoSineSync::design();
 }
 
 float LfoSineSync::tick() {
@@ -17,8 +18,6 @@ void LfoSineSync::tick(float* out, int count) {
         out[n] = LfoSineSync::tick();
 }
 
-void LfoSineSync::setFrequency(float hz) {
-    frequency_ = limited(hz, sampleRate_);
-    counter_.setPeriodLocked(static_cast<double>(sampleRate_) / frequency_);
+void LfoSineSync::design() {
     halfPeriod_ = 0.5 * counter_.period();
 }

@@ -1,7 +1,8 @@
 #include "math/LfoSquareSync.h"
 
-LfoSquareSync::LfoSquareSync(float frequencyHz, float sampleRateHz) : Lfo(frequencyHz, sampleRateHz) {
-    LfoSquareSync::setFrequency(frequencyHz);
+LfoSquareSync::LfoSquareSync(float frequencyHz, float sampleRateHz)
+    : CounterLfo(frequencyHz, sampleRateHz, Keeps::Count) {
+    LfoSquareSync::design();
 }
 
 float LfoSquareSync::tick() {
@@ -13,8 +14,6 @@ void LfoSquareSync::tick(float* out, int count) {
         out[n] = LfoSquareSync::tick();
 }
 
-void LfoSquareSync::setFrequency(float hz) {
-    frequency_ = limited(hz, sampleRate_);
-    counter_.setPeriodLocked(static_cast<double>(sampleRate_) / frequency_);
+void LfoSquareSync::design() {
     highCount_ = 0.5 * counter_.period();
 }

@@ -1,7 +1,7 @@
 #include "math/LfoTriangle.h"
 
-LfoTriangle::LfoTriangle(float frequencyHz, float sampleRateHz) : Lfo(frequencyHz, sampleRateHz) {
-    LfoTriangle::setFrequency(frequencyHz);
+LfoTriangle::LfoTriangle(float frequencyHz, float sampleRateHz) : CounterLfo(frequencyHz, sampleRateHz) {
+    LfoTriangle::design();
 }
 
 float LfoTriangle::tick() {
@@ -13,8 +13,6 @@ void LfoTriangle::tick(float* out, int count) {
         out[n] = LfoTriangle::tick();
 }
 
-void LfoTriangle::setFrequency(float hz) {
-    frequency_ = limited(hz, sampleRate_);
-    counter_.setPeriod(static_cast<double>(sampleRate_) / frequency_);
+void LfoTriangle::design() {
     halfPeriod_ = 0.5 * counter_.period();
 }

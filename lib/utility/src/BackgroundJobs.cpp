@@ -8,7 +8,7 @@
 namespace tvk {
 namespace {
 
-constexpr std::chrono::microseconds kLookPeriod{100};
+constexpr std::chrono::microseconds kLookPeriod{20};
 
 std::atomic<int> pendingJobs{0};
 

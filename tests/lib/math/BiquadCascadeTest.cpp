@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "math/BiquadCascade.h"
+#include "support/WhiteNoise.h"
 
 namespace {
 
@@ -35,15 +36,6 @@ std::vector<BiquadCoefficients<float>> sections(int count) {
     return rows;
 }
 
-std::vector<float> noise(int count) {
-    std::minstd_rand random(9);
-    std::uniform_real_distribution<float> value(-1.0F, 1.0F);
-    std::vector<float> samples(static_cast<std::size_t>(count));
-    for (float& sample : samples)
-        sample = value(random);
-    return samples;
-}
-
 // The sections one after the other, direct form II, double precision.
 std::vector<double> serial(const std::vector<BiquadCoefficients<float>>& rows, const std::vector<float>& in) {
     std::vector<double> x(in.begin(), in.end());
@@ -60,7 +52,7 @@ std::vector<double> serial(const std::vector<BiquadCoefficients<float>>& rows, c
 }
 
 TEST(BiquadCascade, IsTheSectionsInSeriesLaterByAllButOneOfThem) {
-    const auto in = noise(400);
+    const auto in = whiteNoise(400, 9);
     for (int count : {1, 2, 4, 5, 8, 9, 13, 16, 17, 21, 25, 30, 32}) {
         const auto rows = sections(count);
         const auto truth = serial(rows, in);
@@ -87,7 +79,7 @@ TEST(BiquadCascade, IsTheSectionsInSeriesLaterByAllButOneOfThem) {
 
 TEST(BiquadCascade, WorksInPlace) {
     const auto rows = sections(30);
-    auto in = noise(100);
+    auto in = whiteNoise(100, 9);
     BiquadCascade apart(rows.data(), 30), inPlace(rows.data(), 30);
     std::vector<float> out(in.size());
     apart.process(in.data(), out.data(), 100);
@@ -97,7 +89,7 @@ TEST(BiquadCascade, WorksInPlace) {
 
 TEST(BiquadCascade, ClearLeavesSilence) {
     const auto rows = sections(30);
-    const auto in = noise(100);
+    const auto in = whiteNoise(100, 9);
     BiquadCascade cascade(rows.data(), 30);
     std::vector<float> out(in.size());
     cascade.process(in.data(), out.data(), 100);

@@ -31,9 +31,9 @@ TEST_F(ProductPathsTest, OtherPathsStay) {
 }
 
 TEST_F(ProductPathsTest, APlaceIsNotMovedAgain) {
-    ProductPaths::set("/home/root/work/home/root", "/mnt/user-data");
+    ProductPaths::set("/home/root/desk/home/root", "/mnt/user-data");
     const std::string place = ProductPaths::resolve("/home/root/IRs/a.wav");
-    EXPECT_EQ(place, "/home/root/work/home/root/IRs/a.wav");
+    EXPECT_EQ(place, "/home/root/desk/home/root/IRs/a.wav");
     EXPECT_EQ(ProductPaths::resolve(place), place);
 }
 

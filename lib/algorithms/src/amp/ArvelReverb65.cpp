@@ -1,8 +1,7 @@
 #include "algorithms/amp/ArvelReverb65.h"
 
-#include <algorithm>
-
 #include "Scale.h"
+#include "algorithms/cabsim/CabinetLimits.h"
 #include "utility/Log.h"
 
 namespace {
@@ -97,15 +96,15 @@ void ArvelReverb65::setCabinet(const std::string& name) {
 
 void ArvelReverb65::setCabinetHPF(float hz, bool isInit) {
     tvk::log::debug(kTag, "cabinet HPF = %f", hz);
-    cabinet_.setHPF(std::clamp(hz, 20.0f, 500.0f), isInit);
+    cabinet_.setHPF(cabinet::limitHpfHz(hz), isInit);
 }
 
 void ArvelReverb65::setCabinetLPF(float hz, bool isInit) {
     tvk::log::debug(kTag, "cabinet LPF = %f", hz);
-    cabinet_.setLPF(std::clamp(hz, 1000.0f, 20000.0f), isInit);
+    cabinet_.setLPF(cabinet::limitLpfHz(hz), isInit);
 }
 
 void ArvelReverb65::setCabinetLevel(float db, bool isInit) {
     tvk::log::debug(kTag, "cabinet level = %f", db);
-    cabinet_.setOutputLevel(std::clamp(db, -36.0f, 0.0f), isInit);
+    cabinet_.setOutputLevel(cabinet::limitLevelDb(db), isInit);
 }

@@ -45,30 +45,23 @@ CabSimQNS::~CabSimQNS() {
 
 void CabSimQNS::initIRProc() {
     logCall("initIRProc");
-    if (!IRProcessorPool::isThere()) {
-        TVK_WARN(
-            "CabSimQNSWarn: IRProcessor pointer not available. Make Sure ObjPoolManager has been "
-            "instantiated "
-            "with IRProcessor objects");
-        return;
-    }
-    first_.take(IRProcessorPool::take(0));
-    if (!first_.hasProcessor())
-        TVK_WARN("CabSimQNS: Failed to acquire IRProcessor object from ObjPoolManager");
+    takeProcessor(first_, 0, "IRProcessor pointer not available.", "");
 }
 
 void CabSimQNS::initIRProcCab2() {
     logCall("initIRProcCab2");
+    takeProcessor(second_, 1, "IRProcessor pointer not available for second cab.", " cab 2");
+}
+
+void CabSimQNS::takeProcessor(CabinetSlot& slot, std::size_t place, const char* missing, const char* which) {
     if (!IRProcessorPool::isThere()) {
-        TVK_WARN(
-            "CabSimQNSWarn: IRProcessor pointer not available for second cab. Make Sure ObjPoolManager has "
-            "been "
-            "instantiated with IRProcessor objects");
+        TVK_WARN("CabSimQNSWarn: %s Make Sure ObjPoolManager has been instantiated with IRProcessor objects",
+                 missing);
         return;
     }
-    second_.take(IRProcessorPool::take(1));
-    if (!second_.hasProcessor())
-        TVK_WARN("CabSimQNS: Failed to acquire IRProcessor object from ObjPoolManager cab 2");
+    slot.take(IRProcessorPool::take(place));
+    if (!slot.hasProcessor())
+        TVK_WARN("CabSimQNS: Failed to acquire IRProcessor object from ObjPoolManager%s", which);
 }
 
 void CabSimQNS::enableCabSim2() {

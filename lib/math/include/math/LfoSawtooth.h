@@ -6,26 +6,21 @@
 // risingCount = symmetry * period: 0 only falls, 1 only rises, 0.5 is a triangle.
 #pragma once
 
-#include "math/CounterPhase.h"
-#include "math/Lfo.h"
+#include "math/CounterLfo.h"
 
-class LfoSawtooth : public Lfo {
+class LfoSawtooth : public CounterLfo {
 public:
     // Starts as the triangle.
     LfoSawtooth(float frequencyHz, float sampleRateHz);
 
     float tick() override;
     void tick(float* out, int count) override;
-    void setFrequency(float hz) override;
-    void setPhase(float cycles) override { counter_.setOffset(cycles); }
-    void reset() override { counter_.reset(); }
     // 0 to 1, limited to that.
     void setSymmetry(float symmetry);
 
 private:
-    void design();
+    void design() override;
 
-    CounterPhase counter_;
     float symmetry_ = 0.5f;
     double risingCount_ = 0.0;
     double riseSlope_ = 0.0;

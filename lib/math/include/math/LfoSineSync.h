@@ -2,20 +2,17 @@
 // its lowest point, and reset restarts one on a tempo boundary. A change of frequency keeps the count.
 #pragma once
 
-#include "math/CounterPhase.h"
-#include "math/Lfo.h"
+#include "math/CounterLfo.h"
 
-class LfoSineSync : public Lfo {
+class LfoSineSync : public CounterLfo {
 public:
     LfoSineSync(float frequencyHz, float sampleRateHz);
 
     float tick() override;
     void tick(float* out, int count) override;
-    void setFrequency(float hz) override;
-    void setPhase(float cycles) override { counter_.setOffset(cycles); }
-    void reset() override { counter_.reset(); }
 
 private:
-    CounterPhase counter_;
+    void design() override;
+
     double halfPeriod_ = 0.5;
 };

@@ -2,20 +2,17 @@
 // restarts a cycle on a tempo boundary. A change of frequency keeps the count.
 #pragma once
 
-#include "math/CounterPhase.h"
-#include "math/Lfo.h"
+#include "math/CounterLfo.h"
 
-class LfoSquareSync : public Lfo {
+class LfoSquareSync : public CounterLfo {
 public:
     LfoSquareSync(float frequencyHz, float sampleRateHz);
 
     float tick() override;
     void tick(float* out, int count) override;
-    void setFrequency(float hz) override;
-    void setPhase(float cycles) override { counter_.setOffset(cycles); }
-    void reset() override { counter_.reset(); }
 
 private:
-    CounterPhase counter_;
+    void design() override;
+
     double highCount_ = 0.5;
 };

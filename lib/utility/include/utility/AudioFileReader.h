@@ -7,8 +7,8 @@
 // A file is never trusted: every size in it is checked before it is used, at most 16 MiB are read, and memory
 // is bounded by the file's size. A refused file leaves the reader empty and its reason in the log.
 //
-// Sources: Microsoft and IBM, Multimedia Programming Interface and Data Specifications 1.0, 1991; Apple,
-// Audio Interchange File Format AIFF-C, draft 8/26/91.
+// Sources: the WAVE form of RIFF (Microsoft and IBM, 1991); Audio Interchange File Format AIFF-C (Apple,
+// draft of 26 August 1991).
 //
 // Control threads, one at a time; blocks for the disk.
 #pragma once

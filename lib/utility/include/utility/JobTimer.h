@@ -5,6 +5,8 @@
 
 #include <chrono>
 
+#include "utility/Stopwatch.h"
+
 namespace tvk {
 
 class JobObserver {
@@ -32,8 +34,7 @@ private:
     JobObserver* const observer_;
     const char* const thread_;
     const std::chrono::nanoseconds deadline_;
-    std::chrono::nanoseconds wallStart_{0};
-    std::chrono::nanoseconds processorStart_{0};
+    Stopwatch stopwatch_;
 };
 
 }  // namespace tvk

@@ -2,13 +2,13 @@
 #include <complex>
 #include <gtest/gtest.h>
 #include <numbers>
-#include <random>
 
 #include "SpringReference.h"
 #include "algorithms/reverb/SpringBase.h"
 #include "algorithms/reverb/SpringBaseOstrel.h"
 #include "support/LogRecorder.h"
 #include "support/RealtimeGuard.h"
+#include "support/WhiteNoise.h"
 #include "utility/RealtimeThread.h"
 
 namespace {
@@ -19,15 +19,6 @@ using Signal = std::vector<float>;
 
 constexpr int kBlock = 32;
 constexpr float kRate = 44100.0F;
-
-Signal noise(std::size_t count, unsigned seed) {
-    std::minstd_rand random(seed);
-    std::uniform_real_distribution<float> value(-0.5F, 0.5F);
-    Signal samples(count);
-    for (float& sample : samples)
-        sample = value(random);
-    return samples;
-}
 
 struct Stereo {
     Signal left, right;
@@ -63,7 +54,7 @@ TEST_P(Voicings, FollowTheAlgorithmSampleBySample) {
     for (float rate : {44100.0F, 48000.0F}) {
         SpringBase tank(voicing, kBlock, rate);
         spring_reference::Tank truth(voicing, kBlock, rate);
-        const Signal left = noise(16000, 1), right = noise(16000, 2);
+        const Signal left = whiteNoise(16000, 1, 0.5F), right = whiteNoise(16000, 2, 0.5F);
         const Stereo out = play(tank, left, right);
         for (std::size_t n = 0; n < left.size(); n += kBlock) {
             spring_reference::Block l(&left[n], &left[n] + kBlock), r(&right[n], &right[n] + kBlock);
@@ -92,7 +83,7 @@ TEST_P(Voicings, FollowTheAlgorithmWithMovedControls) {
     truth.toneHz = 5000.0;
     truth.wet = std::pow(10.0, -0.3);
     truth.dry = 0.001;
-    const Signal in = noise(16000, 3);
+    const Signal in = whiteNoise(16000, 3, 0.5F);
     const Stereo out = play(tank, in, in);
     for (std::size_t n = 0; n < in.size(); n += kBlock) {
         spring_reference::Block l(&in[n], &in[n] + kBlock), r = l;
@@ -104,7 +95,7 @@ TEST_P(Voicings, FollowTheAlgorithmWithMovedControls) {
 
 TEST_P(Voicings, SilenceGivesSilenceFromAClearedTank) {
     SpringBase tank(voicing, kBlock, kRate);
-    play(tank, noise(9600, 1), noise(9600, 2));
+    play(tank, whiteNoise(9600, 1, 0.5F), whiteNoise(9600, 2, 0.5F));
     tank.reset();
     const Signal silence(9600, 0.0F);
     const Stereo out = play(tank, silence, silence);
@@ -116,10 +107,10 @@ TEST_P(Voicings, ResetLeavesTheRampsAlone) {
     SpringBase tank(voicing, kBlock, kRate), fresh(voicing, kBlock, kRate);
     tank.setWetLevelDb(-12.0F, true);
     fresh.setWetLevelDb(-12.0F, true);
-    play(tank, noise(9600, 1), noise(9600, 2));
+    play(tank, whiteNoise(9600, 1, 0.5F), whiteNoise(9600, 2, 0.5F));
     play(fresh, Signal(9600, 0.0F), Signal(9600, 0.0F));
     tank.reset();
-    const Signal in = noise(9600, 3);
+    const Signal in = whiteNoise(9600, 3, 0.5F);
     const Stereo out = play(tank, in, in), expected = play(fresh, in, in);
     for (std::size_t n = 0; n < in.size(); ++n)
         ASSERT_NEAR(out.left[n], expected.left[n], 1e-6) << n;
@@ -127,7 +118,7 @@ TEST_P(Voicings, ResetLeavesTheRampsAlone) {
 
 TEST_P(Voicings, TheOutputsDifferThroughTheirDryPathsAlone) {
     SpringBase tank(voicing, kBlock, kRate);
-    const Signal left = noise(9600, 1), right = noise(9600, 2);
+    const Signal left = whiteNoise(9600, 1, 0.5F), right = whiteNoise(9600, 2, 0.5F);
     const Stereo out = play(tank, left, right);
     for (std::size_t n = 0; n < left.size(); ++n)
         ASSERT_NEAR(out.left[n] - out.right[n], voicing.outputWeights.first * (left[n] - right[n]), 2e-7)
@@ -291,7 +282,7 @@ TEST(SpringBase, APeakAtHalfTheRateOrAboveIsTruncatedWithAWarning) {
     voicing.inputPeak.frequencyHz = 30000.0F;
     SpringBase tank(voicing, kBlock, kRate);
     EXPECT_EQ(log.startingWith("Warn").size(), 1U);
-    const Stereo out = play(tank, noise(3200, 1), noise(3200, 2));
+    const Stereo out = play(tank, whiteNoise(3200, 1, 0.5F), whiteNoise(3200, 2, 0.5F));
     for (float sample : out.left)
         ASSERT_TRUE(std::isfinite(sample));
 }
@@ -324,7 +315,7 @@ TEST(SpringBase, ItsDampingAndFeedbackDecideItsDecay) {
 
 TEST(SpringBase, ABlockNeitherAllocatesNorLocks) {
     SpringBase tank(rvb::kSpringVoicing65, kBlock, kRate);
-    Signal left = noise(6400, 1), right = noise(6400, 2);
+    Signal left = whiteNoise(6400, 1, 0.5F), right = whiteNoise(6400, 2, 0.5F);
     const tvk::RealtimeThreadScope realtime;
     const RealtimeGuard guard;
     for (std::size_t n = 0; n < left.size(); n += kBlock)
@@ -337,7 +328,7 @@ TEST(SpringBase, ABlockNeitherAllocatesNorLocks) {
 TEST(SpringBaseOstrel, IsTheTankOfThe63OnANeutralRecord) {
     rvb::SpringBaseOstrel ostrel(rvb::kSpringVoicing63Ostrel, kBlock, kRate);
     SpringBase plain(rvb::kSpringVoicing63, kBlock, kRate);
-    const Signal left = noise(6400, 1), right = noise(6400, 2);
+    const Signal left = whiteNoise(6400, 1, 0.5F), right = whiteNoise(6400, 2, 0.5F);
     const Stereo out = play(ostrel, left, right), expected = play(plain, left, right);
     EXPECT_EQ(out.left, expected.left);
     EXPECT_EQ(out.right, expected.right);
@@ -352,7 +343,7 @@ TEST(SpringBaseOstrel, ItsAdditionsScaleInputAndOutputs) {
     EXPECT_FLOAT_EQ(ostrel.inputGain(), 0.2F);
     ostrel.setDryLevelDb(0.0F, true);
     ostrel.setWetLevelDb(0.0F, true);
-    const Signal in = noise(6400, 1);
+    const Signal in = whiteNoise(6400, 1, 0.5F);
     const Stereo out = play(ostrel, in, in);
     for (std::size_t n = 0; n < in.size(); ++n) {
         const double wet = out.left[n] - 0.25 * in[n];

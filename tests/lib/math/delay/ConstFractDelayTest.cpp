@@ -1,21 +1,12 @@
 #include <array>
 #include <gtest/gtest.h>
-#include <random>
 #include <vector>
 
 #include "math/ConstFractDelay.h"
 #include "support/LogRecorder.h"
+#include "support/WhiteNoise.h"
 
 namespace {
-
-std::vector<float> noise(int count) {
-    std::minstd_rand random(7);
-    std::uniform_real_distribution<float> value(-1.0F, 1.0F);
-    std::vector<float> samples(static_cast<std::size_t>(count));
-    for (float& sample : samples)
-        sample = value(random);
-    return samples;
-}
 
 // The class's formula, written out in double precision over the whole past.
 std::vector<double> reference(const std::vector<float>& in, const std::vector<double>& delays,
@@ -58,7 +49,7 @@ TEST(ConstFractDelay, TapsReadBetweenTheSamples) {
 
 TEST(ConstFractDelay, BlocksOfAnyLengthFollowTheFormula) {
     const std::vector<double> delays{0.0, 0.5, 12.25, 87.0005, 1000.0}, gains{0.2, -0.1, 0.4, 0.3, 0.15};
-    const auto in = noise(6000);
+    const auto in = whiteNoise(6000, 7);
     const auto expected = reference(in, delays, gains, 0.55);
     for (int block : {1, 7, 32, 33, 500, 1500}) {
         ConstFractDelay delay(1000, 5);
@@ -101,7 +92,7 @@ TEST(ConstFractDelay, ClearLeavesSilence) {
     ConstFractDelay delay(50, 1);
     delay.setTap(0, 40.5);
     delay.setFeedback(0.9F);
-    auto in = noise(200);
+    auto in = whiteNoise(200, 7);
     std::vector<float> out(in.size());
     delay.process(in.data(), out.data(), 200);
     delay.clear();

@@ -1,11 +1,11 @@
 #include <complex>
 #include <gtest/gtest.h>
 #include <numbers>
-#include <random>
 #include <vector>
 
 #include "math/fft/SpectrumRows.h"
 #include "math/fft/VectorKernels.h"
+#include "support/WhiteNoise.h"
 
 namespace {
 
@@ -21,17 +21,8 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Sets, SpectrumKernels, testing::Bool(),
                          [](const auto& set) { return set.param ? "Fastest" : "Portable"; });
 
-std::vector<float> noise(int count, unsigned seed) {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
-    std::vector<float> samples(static_cast<std::size_t>(count));
-    for (float& x : samples)
-        x = uniform(random);
-    return samples;
-}
-
 Bins noiseBins(int count, unsigned seed) {
-    const auto parts = noise(2 * count, seed);
+    const auto parts = whiteNoise(2 * count, seed);
     Bins bins;
     for (int i = 0; i < count; ++i)
         bins.emplace_back(parts[2 * i], parts[2 * i + 1]);
@@ -45,8 +36,8 @@ float* floats(Bins& bins) {
 TEST_P(SpectrumKernels, LongFirIsTheDirectSumForEveryCount) {
     for (const int taps : {32, 64, 128, 2048}) {
         for (const int count : {8, 16, 24, 32, 40, 64, 72, 128}) {
-            const auto in = noise(taps - 1 + count, 1);
-            const auto coefficients = noise(taps, 2);
+            const auto in = whiteNoise(taps - 1 + count, 1);
+            const auto coefficients = whiteNoise(taps, 2);
             std::vector<float> out(static_cast<std::size_t>(count + 1), 7.0f);
             kernels().longFir(in.data(), coefficients.data(), taps, out.data(), count);
             for (int n = 0; n < count; ++n) {
@@ -84,9 +75,9 @@ TEST_P(SpectrumKernels, SumsOfProductsAreComplexBinByBin) {
     constexpr int kChunks = 3;
     constexpr int kStrideA = 32 * 9;
     constexpr int kStrideB = 32 * 11;
-    const auto a = noise(kChunks * kStrideA, 4);
-    const auto b = noise(kChunks * kStrideB, 5);
-    const auto start = noise(kChunks * 32, 6);
+    const auto a = whiteNoise(kChunks * kStrideA, 4);
+    const auto b = whiteNoise(kChunks * kStrideB, 5);
+    const auto start = whiteNoise(kChunks * 32, 6);
     const auto bin = [](const std::vector<float>& rows, int at, int i) {
         return std::complex<double>(rows.at(at + i), rows.at(at + 16 + i));
     };
@@ -111,9 +102,9 @@ TEST_P(SpectrumKernels, SumsAheadMeetTheRowsOfTheFirstFactorOneFurtherOnEach) {
     constexpr int kChunks = 3;
     constexpr int kStrideA = 32 * 14;
     constexpr int kStrideB = 32 * 8;
-    const auto a = noise(kChunks * kStrideA, 30);
-    const auto b = noise(kChunks * kStrideB, 31);
-    const auto start = noise(kChunks * 8 * 32, 32);
+    const auto a = whiteNoise(kChunks * kStrideA, 30);
+    const auto b = whiteNoise(kChunks * kStrideB, 31);
+    const auto start = whiteNoise(kChunks * 8 * 32, 32);
     const auto bin = [](const std::vector<float>& rows, int at, int i) {
         return std::complex<double>(rows.at(at + i), rows.at(at + 16 + i));
     };
@@ -137,7 +128,7 @@ TEST_P(SpectrumKernels, SumsAheadMeetTheRowsOfTheFirstFactorOneFurtherOnEach) {
 // ones, so the butterfly makes the real transform of x.
 TEST_P(SpectrumKernels, ButterflyJoinsEvenAndOddSamplesIntoTheRealTransform) {
     for (const int half : {8, 16, 64}) {
-        const auto x = noise(2 * half, 7);
+        const auto x = whiteNoise(2 * half, 7);
         const auto turn = [](double turns) { return std::polar(1.0, -2.0 * std::numbers::pi * turns); };
         Bins bins(static_cast<std::size_t>(half + 1));
         for (int k = 0; k <= half; ++k) {

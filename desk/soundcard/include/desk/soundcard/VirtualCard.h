@@ -51,9 +51,9 @@ public:
         // Frames of output to hand out; the transport is finished when they have been played.
         std::uint64_t transportFrames = kEndless;
         std::vector<Fault> faults;
-        // The virtual clock stands still before a period while this says so, as where helper threads still
-        // work for the period before. Empty for never. Asked by the audio thread.
-        std::function<bool()> holdsStill;
+        // Called by the audio thread before the virtual clock moves to the next period, and may block: the
+        // clock stands still until it returns. Empty for nothing to wait for.
+        std::function<void()> beforePeriod;
     };
 
     struct Counters {

@@ -52,6 +52,8 @@ public:
     void process(const float* inL, const float* inR, float* outL, float* outR);
 
 private:
+    // missing and which: the words of its two warnings that tell the slots apart.
+    void takeProcessor(CabinetSlot& slot, std::size_t place, const char* missing, const char* which);
     void select(CabinetSlot& slot, const std::string& name);
 
     const int blockLength_;

@@ -22,7 +22,8 @@ public:
     static constexpr const char* kFile = "/home/root/tank/SpringTank.wav";
 
     // Takes another WAV file in its place: a path of the amplifier, which finds its place on this machine, or
-    // any other absolute one; an empty path is no response. Drops what was loaded before, for those who ask later.
+    // any other absolute one; an empty path is no response. Drops what was loaded before, for those who ask
+    // later.
     static void setFile(const std::string& path);
 
     // Loads at the first call. Null, after an error in the log, when the file cannot be read at this rate

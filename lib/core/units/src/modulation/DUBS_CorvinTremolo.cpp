@@ -3,7 +3,7 @@
 #include <utility>
 
 DUBS_CorvinTremolo::DUBS_CorvinTremolo(std::string tarvekId, int blockLength, float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_CorvinTremolo"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_CorvinTremolo"),
       cell_(blockLength, sampleRate) {
     addControl("rate", "Rate", 0.0f, [this](float v, bool isInit) { cell_.setSpeed(v, isInit); });
     addControl("level", "Level", 0.5f, [this](float v, bool isInit) { cell_.setIntensity(v, isInit); });

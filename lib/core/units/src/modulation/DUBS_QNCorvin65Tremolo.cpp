@@ -3,7 +3,7 @@
 #include <utility>
 
 DUBS_QNCorvin65Tremolo::DUBS_QNCorvin65Tremolo(std::string tarvekId, int blockLength, float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_QNCorvin65Tremolo"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_QNCorvin65Tremolo"),
       cell_(blockLength, sampleRate) {
     addControl("speed", "Speed", 0.3f, [this](float v, bool isInit) { cell_.setSpeed(v, isInit); });
     addControl("intensity", "Intensity", 0.3f,

@@ -3,7 +3,7 @@
 #include <utility>
 
 DUBS_SineTremoloStereo::DUBS_SineTremoloStereo(std::string tarvekId, int blockLength, float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_SineTremoloStereo"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_SineTremoloStereo"),
       tremolo_(blockLength, sampleRate) {
     addControl("rate", "Rate", 6.56f, [this](float v, bool isInit) { tremolo_.setRate(v, isInit); });
     addControl("level", "Level", 0.86f, [this](float v, bool isInit) { tremolo_.setLevel(v, isInit); });

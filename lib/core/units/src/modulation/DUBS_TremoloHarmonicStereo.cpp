@@ -4,7 +4,7 @@
 
 DUBS_TremoloHarmonicStereo::DUBS_TremoloHarmonicStereo(std::string tarvekId, int blockLength,
                                                        float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_TremoloHarmonicStereo"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_TremoloHarmonicStereo"),
       tremolo_(blockLength, sampleRate) {
     addControl("speed", "Speed", 4.05f, [this](float v, bool isInit) { tremolo_.setSpeed(v, isInit); });
     addControl("intensity", "Intensity", 0.78f,

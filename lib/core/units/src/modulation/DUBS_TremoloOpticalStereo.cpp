@@ -3,7 +3,7 @@
 #include <utility>
 
 DUBS_TremoloOpticalStereo::DUBS_TremoloOpticalStereo(std::string tarvekId, int blockLength, float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_TremoloOpticalStereo"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_TremoloOpticalStereo"),
       cell_(blockLength, sampleRate, OpticalTremoloCell::kHertzRanges) {
     addControl("rate", "Rate", 6.56f, [this](float v, bool isInit) {
         cell_.setSpeed(OpticalTremoloCell::kHertzRanges.knobOf(v), isInit);

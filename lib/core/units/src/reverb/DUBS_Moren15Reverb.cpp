@@ -5,7 +5,7 @@
 #include "core/units/reverb/SpringKnobs.h"
 
 DUBS_Moren15Reverb::DUBS_Moren15Reverb(std::string tarvekId, int blockLength, float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_Moren15Reverb"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_Moren15Reverb"),
       tank_(rvb::kSpringVoicing65, blockLength, sampleRate) {
     addControl("drylvl", "Dry level", 0.0f,
                [this](float level, bool isInit) { tank_.setDryLevelDb(spring::levelDb(level), isInit); });

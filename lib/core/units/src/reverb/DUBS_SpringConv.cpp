@@ -20,7 +20,7 @@ float gainOf(float db) {
 }  // namespace
 
 DUBS_SpringConv::DUBS_SpringConv(std::string tarvekId, int blockLength, float sampleRate)
-    : EffectUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_SpringConv"),
+    : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, "DUBS_SpringConv"),
       left_(gainOf(spring::kDryLevelDb), 0.0f, kRampSeconds, sampleRate),
       right_(gainOf(spring::kDryLevelDb), 0.0f, kRampSeconds, sampleRate),
       mono_(static_cast<std::size_t>(blockLength)),

@@ -7,8 +7,8 @@
 
 #include "core/Audio/AudioAlsaPcm.h"
 #include "support/LogRecorder.h"
+#include "support/NotedClock.h"
 #include "support/card/TestCard.h"
-#include "utility/Clock.h"
 #include "utility/Exception.h"
 
 namespace {
@@ -212,17 +212,6 @@ TEST_F(OpenPcm, RecoveryWarnsWhenTheStreamCannotBePrepared) {
     EXPECT_TRUE(log.has("Warn Can't recover from underrun, prepare failed: No such device"));
     EXPECT_TRUE(log.has("Warn Can't recover from unexpected error, prepare failed: No such device"));
 }
-
-// Time passes at once, and is written down.
-class NotedClock : public tvk::Clock {
-public:
-    NotedClock() { install(this); }
-    ~NotedClock() override { install(nullptr); }
-    std::chrono::nanoseconds now() override { return std::chrono::nanoseconds(0); }
-    void sleepFor(std::chrono::nanoseconds duration) override { sleeps.push_back(duration); }
-    int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
-    std::vector<std::chrono::nanoseconds> sleeps;
-};
 
 TEST_F(OpenPcm, ASuspendedStreamIsResumedWithASecondBetweenTries) {
     NotedClock clock;

@@ -1,12 +1,12 @@
 #include <cmath>
 #include <gtest/gtest.h>
-#include <random>
 #include <sndfile.h>
 
 #include "algorithms/reverb/SpringTankResponse.h"
 #include "core/units/reverb/DUBS_SpringConv.h"
 #include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
+#include "support/WhiteNoise.h"
 #include "utility/BackgroundJobs.h"
 
 namespace {
@@ -14,15 +14,6 @@ namespace {
 constexpr int kBlock = 32;
 constexpr float kRate = 44100.0F;
 using Signal = std::vector<float>;
-
-Signal noise(std::size_t count, unsigned seed) {
-    std::minstd_rand random(seed);
-    std::uniform_real_distribution<float> value(-0.5F, 0.5F);
-    Signal samples(count);
-    for (float& sample : samples)
-        sample = value(random);
-    return samples;
-}
 
 void writeWav(const std::string& path, const Signal& samples) {
     SF_INFO info{};
@@ -50,7 +41,7 @@ protected:
 
 TEST_F(SpringConv, AddsTheResponseToBothSides) {
     // Longer than twice the head, so that all three stages of the convolver speak.
-    Signal response = noise(5000, 1);
+    Signal response = whiteNoise(5000, 1, 0.5F);
     for (std::size_t n = 0; n < response.size(); ++n)
         response[n] *= std::exp(-static_cast<float>(n) / 1500.0F);
     const std::string file = (folder.path() / "tank.wav").string();
@@ -58,7 +49,7 @@ TEST_F(SpringConv, AddsTheResponseToBothSides) {
     SpringTankResponse::setFile(file);
     DUBS_SpringConv unit("DUBS_SpringConv", kBlock, kRate);
     level(unit).init(0.25F);
-    const Signal left = noise(8000, 2), right = noise(8000, 3);
+    const Signal left = whiteNoise(8000, 2, 0.5F), right = whiteNoise(8000, 3, 0.5F);
     Signal outLeft = left, outRight = right;
     for (std::size_t n = 0; n < left.size(); n += kBlock) {
         unit.process(&outLeft[n], &outRight[n], &outLeft[n], &outRight[n]);
@@ -77,7 +68,7 @@ TEST_F(SpringConv, AddsTheResponseToBothSides) {
 TEST_F(SpringConv, WithoutAResponseItPassesItsDrySignal) {
     DUBS_SpringConv unit("DUBS_SpringConv", kBlock, kRate);
     EXPECT_EQ(log.startingWith("Error").size(), 1U);
-    Signal left = noise(320, 2), right = noise(320, 3);
+    Signal left = whiteNoise(320, 2, 0.5F), right = whiteNoise(320, 3, 0.5F);
     const Signal in = left;
     for (std::size_t n = 0; n < left.size(); n += kBlock)
         unit.process(&left[n], &right[n], &left[n], &right[n]);

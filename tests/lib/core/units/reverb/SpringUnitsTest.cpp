@@ -1,7 +1,6 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
-#include <random>
 #include <vector>
 
 #include "core/System/DspArchive.h"
@@ -12,6 +11,7 @@
 #include "core/units/reverb/DUBS_TarvekSpring63.h"
 #include "core/units/reverb/DUBS_TarvekSpring63Ostrel.h"
 #include "support/LogRecorder.h"
+#include "support/WhiteNoise.h"
 
 namespace {
 
@@ -28,15 +28,6 @@ double corner(double knob, double low, double high, double fs = kRate) {
     const double turn = 2.0 * std::numbers::pi / fs;
     const double p1 = std::exp(-turn * low), p2 = std::exp(-turn * high);
     return -std::log(p1 + (p2 - p1) * knob) / turn;
-}
-
-Signal noise(std::size_t count, unsigned seed) {
-    std::minstd_rand random(seed);
-    std::uniform_real_distribution<float> value(-0.5F, 0.5F);
-    Signal samples(count);
-    for (float& sample : samples)
-        sample = value(random);
-    return samples;
 }
 
 struct Stereo {
@@ -99,7 +90,7 @@ TEST(SpringUnits, ALevelOfZeroIsMinus60DbAndNotSilence) {
     EXPECT_FLOAT_EQ(unit.tank().wetTarget(), 1e-3F);
     EXPECT_FLOAT_EQ(parameter(unit, "wetLvl").get(), 1e-5F);
     parameter(unit, "wetLvl").init(0.0F);
-    const Signal in = noise(9600, 1);
+    const Signal in = whiteNoise(9600, 1, 0.5F);
     play(unit, {in, in});
     const Stereo tail = play(unit, {Signal(3200, 0.0F), Signal(3200, 0.0F)});
     double loudest = 0.0;
@@ -187,7 +178,7 @@ TEST(SpringUnits, EveryChangeIsLogged) {
 
 TEST(SpringUnits, TheSidesDifferThroughTheirDryPathsAlone) {
     DUBS_TarvekSpring63 unit("DUBS_TarvekSpring63", kBlock, kRate);
-    const Stereo in{noise(9600, 1), noise(9600, 2)};
+    const Stereo in{whiteNoise(9600, 1, 0.5F), whiteNoise(9600, 2, 0.5F)};
     const Stereo out = play(unit, in);
     const float dry = std::pow(10.0F, -0.005F);
     for (std::size_t n = 0; n < in.left.size(); ++n)
@@ -196,7 +187,7 @@ TEST(SpringUnits, TheSidesDifferThroughTheirDryPathsAlone) {
 
 TEST(SpringUnits, ResetSilencesTheTank) {
     DUBS_Spring65 unit("x", kBlock, kRate);
-    play(unit, {noise(9600, 1), noise(9600, 2)});
+    play(unit, {whiteNoise(9600, 1, 0.5F), whiteNoise(9600, 2, 0.5F)});
     unit.reset();
     const Stereo out = play(unit, {Signal(3200, 0.0F), Signal(3200, 0.0F)});
     EXPECT_EQ(out.left, Signal(3200, 0.0F));
@@ -221,7 +212,7 @@ TEST(ModSpring65, DepthAndRateMoveTheSidesApart) {
     DUBS_ModSpring65 unit("x", kBlock, kRate);
     parameter(unit, "depth").init(1.0F);
     parameter(unit, "rateHz").init(4.0F);
-    const Signal in = noise(44096, 3);
+    const Signal in = whiteNoise(44096, 3, 0.5F);
     const Stereo out = play(unit, {in, in});
     double difference = 0.0, sum = 0.0;
     for (std::size_t n = 22050; n < in.size(); ++n) {

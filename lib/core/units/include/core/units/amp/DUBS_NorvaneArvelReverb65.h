@@ -14,33 +14,27 @@
 // idCabinetLevel (dB).
 #pragma once
 
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "algorithms/amp/ArvelReverb65.h"
 #include "algorithms/amp/OutputSoftClipper.h"
-#include "core/DspUnitBypassStereo/DspUnitBypassStereo.h"
-#include "core/units/control/ModelControl.h"
+#include "core/units/control/ControlledUnit.h"
 
-class DUBS_NorvaneArvelReverb65 final : public DspUnitBypassStereo {
+class DUBS_NorvaneArvelReverb65 final : public ControlledUnit {
 public:
     // blockLength in samples, sampleRate in Hz. sysFloatToVolts: volts at the input jack of a full-scale
     // sample.
     DUBS_NorvaneArvelReverb65(std::string tarvekId, int blockLength, float sampleRate, float sysFloatToVolts);
 
-    using DspUnitBypassStereo::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
-    void initDerived(DspArchive& archive) override;
-    void getArchiveDerived(DspArchive& archive) override;
 
 private:
     template <typename T, typename Operation>
-    void addControl(const char* parameterName, const char* logName, const T& initial, Operation operation);
+    void addAmpControl(const char* parameterName, const char* logName, const T& initial, Operation operation);
 
     ArvelReverb65 amp_;
     const float speakerVolts_ = 42.65f;
     const float speakerVoltageScaling_;
     OutputSoftClipper outputClipper_;
-    std::vector<std::unique_ptr<IModelControl>> controls_;
 };

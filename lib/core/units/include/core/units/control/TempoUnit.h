@@ -14,10 +14,10 @@
 #include <functional>
 #include <string>
 
-#include "core/units/control/EffectUnit.h"
+#include "core/units/control/ControlledUnit.h"
 #include "math/NoteDivisionAndBpmHz.h"
 
-class TempoUnit : public EffectUnit {
+class TempoUnit : public ControlledUnit {
 public:
     void setTapTime(float seconds) override;
     void initTapTime(float seconds) override;
@@ -27,7 +27,7 @@ public:
     float getTapTimeBPM() const override { return tempo_.getBpm(); }
 
 protected:
-    using EffectUnit::EffectUnit;
+    using ControlledUnit::ControlledUnit;
     using ApplyRate = std::function<void(float hz, bool isInit)>;
 
     // Adds the rate control and, behind it, "noteDivision". applyRate takes the rate to the core.

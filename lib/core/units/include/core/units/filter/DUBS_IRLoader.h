@@ -8,28 +8,19 @@
 // (1000 to 20000 Hz), idCabinetLevel (-36 to 0 dB). A value outside its range is limited.
 #pragma once
 
-#include <memory>
 #include <string>
-#include <vector>
 
 #include "algorithms/cabsim/UserIRQNS.h"
-#include "core/DspUnitBypassStereo/DspUnitBypassStereo.h"
-#include "core/units/control/ModelControl.h"
+#include "core/units/control/ControlledUnit.h"
 
-class DUBS_IRLoader final : public DspUnitBypassStereo {
+class DUBS_IRLoader final : public ControlledUnit {
 public:
     // blockLength in samples, sampleRate in Hz.
     DUBS_IRLoader(std::string tarvekId, int blockLength, float sampleRate);
 
-    using DspUnitBypassStereo::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
-    void initDerived(DspArchive& archive) override;
-    void getArchiveDerived(DspArchive& archive) override;
 
 private:
-    template <typename T, typename Apply>
-    void addControl(const char* parameterName, const char* logName, const T& initial, Apply apply);
-
     UserIRQNS cabinet_;
-    std::vector<std::unique_ptr<IModelControl>> controls_;
 };

@@ -7,14 +7,14 @@
 #include <string>
 
 #include "algorithms/modulation/TremoloSine.h"
-#include "core/units/control/EffectUnit.h"
+#include "core/units/control/ControlledUnit.h"
 
-class DUBS_SineTremoloStereo final : public EffectUnit {
+class DUBS_SineTremoloStereo final : public ControlledUnit {
 public:
     // blockLength in samples, sampleRate in Hz.
     DUBS_SineTremoloStereo(std::string tarvekId, int blockLength, float sampleRate);
 
-    using EffectUnit::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
     void reset() override { tremolo_.reset(); }
 

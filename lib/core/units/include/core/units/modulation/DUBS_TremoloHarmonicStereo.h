@@ -7,14 +7,14 @@
 #include <string>
 
 #include "algorithms/modulation/TremoloHarmonic.h"
-#include "core/units/control/EffectUnit.h"
+#include "core/units/control/ControlledUnit.h"
 
-class DUBS_TremoloHarmonicStereo final : public EffectUnit {
+class DUBS_TremoloHarmonicStereo final : public ControlledUnit {
 public:
     // blockLength in samples, sampleRate in Hz.
     DUBS_TremoloHarmonicStereo(std::string tarvekId, int blockLength, float sampleRate);
 
-    using EffectUnit::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
     void reset() override { tremolo_.reset(); }
 

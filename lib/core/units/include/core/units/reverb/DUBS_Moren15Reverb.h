@@ -6,14 +6,14 @@
 #include <string>
 
 #include "algorithms/reverb/SpringBase.h"
-#include "core/units/control/EffectUnit.h"
+#include "core/units/control/ControlledUnit.h"
 
-class DUBS_Moren15Reverb final : public EffectUnit {
+class DUBS_Moren15Reverb final : public ControlledUnit {
 public:
     // blockLength in samples, sampleRate in Hz.
     DUBS_Moren15Reverb(std::string tarvekId, int blockLength, float sampleRate);
 
-    using EffectUnit::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
     void reset() override { tank_.reset(); }
 

@@ -13,15 +13,15 @@
 #include <vector>
 
 #include "algorithms/reverb/SpringRamp.h"
-#include "core/units/control/EffectUnit.h"
+#include "core/units/control/ControlledUnit.h"
 #include "math/TwoStageFFTConvolver.h"
 
-class DUBS_SpringConv final : public EffectUnit {
+class DUBS_SpringConv final : public ControlledUnit {
 public:
     // blockLength in samples, sampleRate in Hz.
     DUBS_SpringConv(std::string tarvekId, int blockLength, float sampleRate);
 
-    using EffectUnit::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override;
 
 private:

@@ -13,14 +13,14 @@
 #include <utility>
 
 #include "algorithms/reverb/SpringBase.h"
-#include "core/units/control/EffectUnit.h"
+#include "core/units/control/ControlledUnit.h"
 #include "core/units/reverb/SpringKnobs.h"
 
 // Tank: rvb::SpringBase or a class on it.
 template <typename Tank>
-class SpringUnit : public EffectUnit {
+class SpringUnit : public ControlledUnit {
 public:
-    using EffectUnit::process;
+    using ControlledUnit::process;
     void process(float* inLeft, float* inRight, float* outLeft, float* outRight) override {
         tank_.process(inLeft, inRight, outLeft, outRight, getBlockLength());
     }
@@ -43,7 +43,7 @@ protected:
     template <typename Voicing>
     SpringUnit(std::string tarvekId, int blockLength, float sampleRate, const char* tag,
                const Voicing& voicing, const Knobs& knobs)
-        : EffectUnit(std::move(tarvekId), blockLength, sampleRate, tag),
+        : ControlledUnit(std::move(tarvekId), blockLength, sampleRate, tag),
           tank_(voicing, blockLength, sampleRate) {
         tank_.setDryLevelDb(spring::kDryLevelDb, true);
         level_ = &addControl(knobs.levelName, "Level", knobs.level,

@@ -1,9 +1,9 @@
-// The base of effects whose parameters are a list of controls: they are stored, loaded and logged alike.
+// The base of units whose parameters are a list of controls: they are stored, loaded and logged alike.
 //
 //   addControl("level", "Level", 0.86f, [this](float v, bool init) { core_.setLevel(v, init); });
 //
 // in the derived constructor makes a parameter "level", sends 0.86 to the core and logs "Level set, %f" and
-// "Level init, %f" from then on.
+// "Level init, %f" from then on; an amp's units log in the other style of ControlLog.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@
 #include "core/DspUnitBypassStereo/DspUnitBypassStereo.h"
 #include "core/units/control/ModelControl.h"
 
-class EffectUnit : public DspUnitBypassStereo {
+class ControlledUnit : public DspUnitBypassStereo {
 public:
     using DspUnitBypassStereo::process;
     // The controls in the order in which they were added.
@@ -23,8 +23,9 @@ public:
 
 protected:
     // blockLength in samples, sampleRate in Hz. tag: of the log lines, a literal.
-    EffectUnit(std::string tarvekId, int blockLength, float sampleRate, const char* tag)
-        : DspUnitBypassStereo(std::move(tarvekId), blockLength, sampleRate), tag_(tag) {}
+    ControlledUnit(std::string tarvekId, int blockLength, float sampleRate, const char* tag,
+                   ControlLog style = ControlLog::Sentence)
+        : DspUnitBypassStereo(std::move(tarvekId), blockLength, sampleRate), tag_(tag), style_(style) {}
 
     // T is one of float, int, bool and std::string, Apply a call (value, isInit). Names are literals. The
     // control lives as long as the unit.
@@ -32,7 +33,7 @@ protected:
     ModelControl<T>& addControl(const char* parameterName, const char* logName, const T& initial,
                                 Apply apply) {
         auto control = std::make_unique<ModelControl<T>>(tag_, parameterName, logName, initial,
-                                                         std::move(apply), ControlLog::Sentence);
+                                                         std::move(apply), style_);
         ModelControl<T>& added = *control;
         addParameter(added.parameter());
         controls_.push_back(std::move(control));
@@ -43,5 +44,6 @@ protected:
 
 private:
     const char* const tag_;
+    const ControlLog style_;
     std::vector<std::unique_ptr<IModelControl>> controls_;
 };
