@@ -17,6 +17,12 @@ function(tarvek_layer name)
   endif()
 endfunction()
 
+# What all test programs are compiled with. The code under test is optimised, its tests are compiled fast.
+function(tarvek_test_options name)
+  target_compile_options(${name} PRIVATE -O1)
+  target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
+endfunction()
+
 # tarvek_tests(<name> [NATIVE] [DEPENDS <targets>...])
 #
 # One test program of all *.cpp in this folder, each test its own ctest entry.
@@ -30,9 +36,11 @@ function(tarvek_tests name)
   endif()
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  # The code under test is optimised, its tests are compiled fast.
-  target_compile_options(${name} PRIVATE -O1)
-  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS})
+  tarvek_test_options(${name})
+  if(TARVEK_TEST_PCH)
+    target_precompile_headers(${name} REUSE_FROM test_precompiled_headers)
+  endif()
   set(labels)
   if(ARG_NATIVE)
     set(labels LABELS native)

@@ -1,6 +1,7 @@
 # Build options and the compile flags that every target shares.
 
 option(TARVEK_TESTS "Build the test suites" ON)
+option(TARVEK_TEST_PCH "Precompile the headers that all tests include" OFF)
 option(TARVEK_FUZZ "Build the fuzzers instead of the test suites (needs clang)" OFF)
 set(TARVEK_SANITIZE "" CACHE STRING "Sanitizers to build with: address, thread or empty")
 
