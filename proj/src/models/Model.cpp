@@ -212,6 +212,10 @@ float Model::getSampleRate() const {
     return audioProcessor_->getSampleRate();
 }
 
+const std::string& Model::getProductFamily() const {
+    return productProfile_->getProductFamily();
+}
+
 long Model::getXrunCount() const {
     return audioProcessor_->getXrunCount();
 }

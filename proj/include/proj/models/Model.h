@@ -77,6 +77,9 @@ public:
 
     float getSampleRate() const;
 
+    // Of the product profile as it was read at construction.
+    const std::string& getProductFamily() const;
+
     // Failed PCM reads and writes since the start.
     long getXrunCount() const;
 
