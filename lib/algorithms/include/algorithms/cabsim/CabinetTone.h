@@ -8,6 +8,7 @@
 // Threads: setters on control threads, process and follow on the audio thread.
 #pragma once
 
+#include "algorithms/cabsim/RampedFrequency.h"
 #include "math/OnePoleRamp.h"
 #include "math/SVHpf.h"
 #include "math/SVLpf.h"
@@ -29,15 +30,15 @@ public:
     // when the cabinet returns.
     void follow(int n);
 
-    float hpfHz() const { return hpfFreqRamp_.target(); }
-    float lpfHz() const { return lpfFreqRamp_.target(); }
+    float hpfHz() const { return hpfFreqRamp_.targetHz(); }
+    float lpfHz() const { return lpfFreqRamp_.targetHz(); }
 
 private:
     void filter(float* buffer, int n);
 
     OnePoleRamp level_;
-    OnePoleRamp hpfFreqRamp_;
-    OnePoleRamp lpfFreqRamp_;
     SVHpf highPass_;
     SVLpf lowPass_;
+    RampedFrequency<SVHpf> hpfFreqRamp_;
+    RampedFrequency<SVLpf> lpfFreqRamp_;
 };
