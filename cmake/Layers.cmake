@@ -25,7 +25,8 @@ endfunction()
 
 # tarvek_tests(<name> [NATIVE] [DEPENDS <targets>...])
 #
-# One test program of all *.cpp in this folder, each test its own ctest entry.
+# One test program of all *.cpp in this folder, each test its own ctest entry (the
+# program, where it is emulated).
 # NATIVE labels tests that cannot run under emulation, such as those that start
 # programs of ours.
 function(tarvek_tests name)
@@ -45,5 +46,11 @@ function(tarvek_tests name)
   if(ARG_NATIVE)
     set(labels LABELS native)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 ${labels})
+  if(CMAKE_CROSSCOMPILING)
+    # An emulated program takes longer to start than most tests take to run.
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ${labels})
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 ${labels})
+  endif()
 endfunction()

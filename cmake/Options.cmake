@@ -27,3 +27,10 @@ if(TARVEK_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=address,undefined)
 endif()
+
+# 64-bit Arm fuses products and sums in its base instruction set, and which of them a compiler fuses depends on the
+# shape of the loop around them: two forms of one formula would differ in their last bits, a filter at rest from one
+# that moves. The kernels of the real-time seam ask for it themselves, since nothing compares them to the bit.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)")
+  add_compile_options(-ffp-contract=off)
+endif()
