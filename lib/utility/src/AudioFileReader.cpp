@@ -9,6 +9,7 @@
 #include "audiofile/AiffFile.h"
 #include "audiofile/WavFile.h"
 #include "utility/Log.h"
+#include "utility/ProductPaths.h"
 
 namespace {
 
@@ -81,9 +82,11 @@ bool AudioFileReader::load(const std::string& path) {
     return true;
 }
 
-// Regular files alone: a pipe or a device has no size to hold it to, and could block the caller.
+// Regular files alone: a pipe or a device has no size to hold it to, and could block the caller. What lies in
+// the user's data is no link either, which could lead to any file of the machine.
 bool AudioFileReader::readFile(const std::string& path, std::vector<unsigned char>& bytes) const {
-    const int descriptor = files_.open(path.c_str(), O_RDONLY | O_NONBLOCK, 0);
+    const int flags = O_RDONLY | O_NONBLOCK | (tvk::ProductPaths::isUserData(path) ? O_NOFOLLOW : 0);
+    const int descriptor = files_.open(path.c_str(), flags, 0);
     struct stat status {};
     const bool isFile =
         descriptor != -1 && files_.status(descriptor, &status) == 0 && S_ISREG(status.st_mode);

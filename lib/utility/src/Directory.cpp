@@ -3,12 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
-#include <unistd.h>
 
 #include "DirectoryImpl.h"
 #include "utility/Exception.h"
@@ -54,17 +50,20 @@ bool copyBytes(OsFiles& files, int source, int target) {
 
 }  // namespace
 
-bool DirectoryImpl::exists(const std::string& path) {
-    return ::access(path.c_str(), F_OK) == 0;
+bool DirectoryImpl::exists(const std::string& path, OsFiles& files) {
+    struct stat status {};
+    return OsFiles::resumed([&] { return files.pathStatus(path.c_str(), true, &status); }) == 0;
 }
 
-void DirectoryImpl::remove(const std::string& path) {
-    if (std::remove(path.c_str()) != 0)
-        TVK_THROW("Error deleting file '%s': %s", path.c_str(), std::strerror(errno));
+void DirectoryImpl::remove(const std::string& path, OsFiles& files) {
+    int result = OsFiles::resumed([&] { return files.unlink(path.c_str()); });
+    if (result != 0 && errno == EISDIR)
+        result = OsFiles::resumed([&] { return files.removeDirectory(path.c_str()); });
+    if (result != 0) TVK_THROW("Error deleting file '%s': %s", path.c_str(), std::strerror(errno));
 }
 
 void DirectoryImpl::copy(const std::string& source, const std::string& target, OsFiles& files) {
-    if (!exists(source)) TVK_THROW("file '%s' doesn't exist", source.c_str());
+    if (!exists(source, files)) TVK_THROW("file '%s' doesn't exist", source.c_str());
     const Descriptor from(files, files.open(source.c_str(), O_RDONLY, 0));
     if (!from.isOpen()) TVK_THROW("Can't open file '%s': %s", source.c_str(), std::strerror(errno));
     struct stat status {};
@@ -77,24 +76,20 @@ void DirectoryImpl::copy(const std::string& source, const std::string& target, O
         TVK_THROW("Copy file '%s': %s", source.c_str(), std::strerror(errno));
 }
 
-std::vector<std::string> DirectoryImpl::listFiles(const std::string& path) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path.c_str()), &closedir);
-    if (!directory) TVK_THROW("Can't open directory '%s': %s", path.c_str(), std::strerror(errno));
+std::vector<std::string> DirectoryImpl::listFiles(const std::string& path, OsFiles& files) {
     std::vector<std::string> names;
-    while (const dirent* const entry = readdir(directory.get())) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") names.push_back(name);
-    }
+    if (OsFiles::resumed([&] { return files.list(path.c_str(), names); }) != 0)
+        TVK_THROW("Can't open directory '%s': %s", path.c_str(), std::strerror(errno));
     std::sort(names.begin(), names.end());
     return names;
 }
 
 bool Directory::exists(const std::string& path) const {
-    return DirectoryImpl::exists(path);
+    return DirectoryImpl::exists(path, files_);
 }
 
 void Directory::remove(const std::string& path) const {
-    DirectoryImpl::remove(path);
+    DirectoryImpl::remove(path, files_);
 }
 
 void Directory::copy(const std::string& source, const std::string& target) const {
@@ -102,7 +97,7 @@ void Directory::copy(const std::string& source, const std::string& target) const
 }
 
 std::vector<std::string> Directory::listFiles(const std::string& path) const {
-    return DirectoryImpl::listFiles(path);
+    return DirectoryImpl::listFiles(path, files_);
 }
 
 }  // namespace tvk

@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <dirent.h>
+#include <memory>
 #include <unistd.h>
 
 namespace tvk {
@@ -38,11 +40,35 @@ int OsFiles::status(int descriptor, struct stat* result) {
     return ::fstat(descriptor, result);
 }
 
+int OsFiles::pathStatus(const char* path, bool followLinks, struct stat* result) {
+    return followLinks ? ::stat(path, result) : ::lstat(path, result);
+}
+
+int OsFiles::makeDirectory(const char* path, mode_t mode) {
+    return ::mkdir(path, mode);
+}
+
+int OsFiles::removeDirectory(const char* path) {
+    return ::rmdir(path);
+}
+
+int OsFiles::list(const char* path, std::vector<std::string>& names) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(opendir(path), &closedir);
+    if (!directory) return -1;
+    names.clear();
+    errno = 0;
+    while (const dirent* const entry = readdir(directory.get())) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(name);
+        errno = 0;
+    }
+    return errno == 0 ? 0 : -1;
+}
+
 bool OsFiles::writeAll(int descriptor, const void* bytes, std::size_t count) {
     const char* next = static_cast<const char*>(bytes);
     while (count > 0) {
-        const ssize_t written = write(descriptor, next, count);
-        if (written == -1 && errno == EINTR) continue;
+        const ssize_t written = resumed([&] { return write(descriptor, next, count); });
         if (written == -1) return false;
         next += written;
         count -= static_cast<std::size_t>(written);

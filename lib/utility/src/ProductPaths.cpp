@@ -41,4 +41,9 @@ std::string ProductPaths::resolve(const std::string& path) {
     return path;
 }
 
+bool ProductPaths::isUserData(const std::string& path) {
+    const Folder& userData = folders()[1];
+    return below(userData.place, path) || below(userData.name, path);
+}
+
 }  // namespace tvk

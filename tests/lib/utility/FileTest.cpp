@@ -145,6 +145,19 @@ TEST_F(FileTest, RemoveRemovesAndThrowsForWhatIsNotThere) {
               "Error deleting file '" + path + "': No such file or directory");
 }
 
+TEST_F(FileTest, AnEmptyFolderIsRemovedAndAFullOneIsNot) {
+    const tvk::Directory directory;
+    const std::string empty = folder.file("empty");
+    const std::string full = folder.file("full");
+    std::filesystem::create_directory(empty);
+    std::filesystem::create_directory(full);
+    File(full + "/a", File::IoMode::Write);
+    directory.remove(empty);
+    EXPECT_FALSE(directory.exists(empty));
+    EXPECT_EQ(textThrownBy([&] { directory.remove(full); }),
+              "Error deleting file '" + full + "': Directory not empty");
+}
+
 TEST_F(FileTest, ACopyHasTheSourcesBytesAndPermissions) {
     const std::string source = folder.file("a");
     const std::string target = folder.file("b");

@@ -37,4 +37,13 @@ TEST_F(ProductPathsTest, APlaceIsNotMovedAgain) {
     EXPECT_EQ(ProductPaths::resolve(place), place);
 }
 
+TEST_F(ProductPathsTest, UserDataIsToldByItsNameAndByItsPlace) {
+    ProductPaths::set("/desk/home/root", "/desk/mnt/user-data");
+    EXPECT_TRUE(ProductPaths::isUserData("/mnt/user-data/userIRs/a.wav"));
+    EXPECT_TRUE(ProductPaths::isUserData("/desk/mnt/user-data/userIRs/a.wav"));
+    EXPECT_FALSE(ProductPaths::isUserData("/home/root/IRs/a.wav"));
+    EXPECT_FALSE(ProductPaths::isUserData("/desk/home/root/IRs/a.wav"));
+    EXPECT_FALSE(ProductPaths::isUserData("/mnt/user-database"));
+}
+
 }  // namespace

@@ -1,7 +1,9 @@
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -76,6 +78,7 @@ protected:
     WatchedFiles files;
     TarvekFileSystem fileSystem{files};
     const std::string path = folder.file("a");
+    const std::string folderName = folder.path().filename().string();
 };
 
 using Lines = std::vector<std::string>;
@@ -83,7 +86,8 @@ using Lines = std::vector<std::string>;
 TEST_F(TarvekFileSystemTest, AnAtomicSaveSyncsTheTextBeforeTheNamePointsAtItAndTheNameAfterwards) {
     EXPECT_TRUE(fileSystem.saveFileAtomic(path, "new text"));
     EXPECT_EQ(files.calls, (Lines{"truncate a.tmp", "write a.tmp", "close a.tmp", "open a.tmp", "sync a.tmp",
-                                  "close a.tmp", "rename a.tmp a", "open a", "sync a", "close a"}));
+                                  "close a.tmp", "rename a.tmp a", "open a", "sync a", "close a",
+                                  "open " + folderName, "sync " + folderName, "close " + folderName}));
     EXPECT_EQ(content("a"), "new text");
     EXPECT_EQ(content("a.tmp"), "(no file)");
     EXPECT_TRUE(log.lines().empty());
@@ -125,7 +129,7 @@ TEST_F(TarvekFileSystemTest, UntilTheRenameEveryCallLeavesTheOldFileWhole) {
     TarvekFileSystem().saveFile(path, "old");
     Observer observer(path);
     EXPECT_TRUE(TarvekFileSystem(observer).saveFileAtomic(path, "new text"));
-    EXPECT_EQ(observer.seen, (Lines{"old", "old", "new text", "new text"}));
+    EXPECT_EQ(observer.seen, (Lines{"old", "old", "new text", "new text", "new text"}));
 }
 
 TEST_F(TarvekFileSystemTest, AFailureToOpenTheTemporaryStopsTheSave) {
@@ -162,6 +166,58 @@ TEST_F(TarvekFileSystemTest, AFailureAfterTheRenameIsReportedWithTheNewTextInPla
     EXPECT_EQ(content("a"), "new text");
     EXPECT_EQ(warningsWhenFailing("sync a"), Lines{"Warn Failed to sync file " + path + "."});
     EXPECT_EQ(content("a"), "new text");
+    const std::string where = folder.path().string();
+    EXPECT_EQ(warningsWhenFailing("open " + folderName), Lines{"Warn Failed to open file " + where + "."});
+    EXPECT_EQ(warningsWhenFailing("sync " + folderName), Lines{"Warn Failed to sync file " + where + "."});
+    EXPECT_EQ(content("a"), "new text");
+}
+
+TEST_F(TarvekFileSystemTest, AnAtomicSaveFollowsNoLinkAndTheNextOneHasItsPlaceBack) {
+    TarvekFileSystem().saveFile(folder.file("elsewhere"), "kept");
+    std::filesystem::create_symlink(folder.file("elsewhere"), path + ".tmp");
+    EXPECT_FALSE(fileSystem.saveFileAtomic(path, "new text"));
+    EXPECT_EQ(content("elsewhere"), "kept");
+    EXPECT_TRUE(fileSystem.saveFileAtomic(path, "new text"));
+    EXPECT_EQ(content("elsewhere"), "kept");
+    EXPECT_EQ(content("a"), "new text");
+}
+
+// Interrupts every kind of call the first time that it is made on a file.
+class InterruptedFiles : public WatchedFiles {
+public:
+    int open(const char* path, int flags, mode_t mode) override {
+        return interrupts("open ", path) ? -1 : OsFiles::open(path, flags, mode);
+    }
+    ssize_t write(int descriptor, const void* bytes, std::size_t count) override {
+        return interrupts("write ", std::to_string(descriptor)) ? -1
+                                                                : OsFiles::write(descriptor, bytes, count);
+    }
+    int sync(int descriptor) override {
+        return interrupts("sync ", std::to_string(descriptor)) ? -1 : OsFiles::sync(descriptor);
+    }
+    int close(int descriptor) override {
+        OsFiles::close(descriptor);
+        return interrupts("close ", std::to_string(descriptor)) ? -1 : 0;
+    }
+    int rename(const char* from, const char* to) override {
+        return interrupts("rename ", from) ? -1 : OsFiles::rename(from, to);
+    }
+
+    std::set<std::string> interrupted;
+
+private:
+    bool interrupts(const std::string& kind, const std::string& on) {
+        errno = EINTR;
+        return interrupted.insert(kind + on).second;
+    }
+};
+
+TEST_F(TarvekFileSystemTest, ASignalInAnyCallOfAnAtomicSaveIsNoFailure) {
+    InterruptedFiles interrupting;
+    EXPECT_TRUE(TarvekFileSystem(interrupting).saveFileAtomic(path, "new text"));
+    EXPECT_EQ(content("a"), "new text");
+    EXPECT_GE(interrupting.interrupted.size(), 7u);
+    EXPECT_TRUE(log.lines().empty());
 }
 
 TEST_F(TarvekFileSystemTest, TextAndBytesComeBackAsTheyWereSaved) {

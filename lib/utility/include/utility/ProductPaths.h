@@ -22,6 +22,9 @@ public:
 
     // The place of a file.
     static std::string resolve(const std::string& path);
+
+    // Whether a file lies in the folder that the amplifier writes, by its name there or by its place.
+    static bool isUserData(const std::string& path);
 };
 
 }  // namespace tvk

@@ -6,6 +6,7 @@
 
 #include "ReaderFixture.h"
 #include "utility/AudioFileReader.h"
+#include "utility/ProductPaths.h"
 
 namespace {
 
@@ -77,6 +78,19 @@ TEST_F(AudioFileReaderTest, AFileThatIsNotThereOrNoFileCannotBeLoaded) {
         EXPECT_FALSE(reader.load(bad));
         EXPECT_EQ(complaints(), (Lines{kCannotLoad, "Warn Not able to open input file " + bad + ".\n"}));
     }
+}
+
+TEST_F(AudioFileReaderTest, ALinkIsFollowedOutsideTheUsersDataAlone) {
+    write(path, Wav{.data = le(0x4000, 2)}.bytes());
+    const std::string link = folder.file("link");
+    fs::create_symlink(path, link);
+    EXPECT_TRUE(reader.load(link));
+    tvk::ProductPaths::set(tvk::ProductPaths::kHomeRoot, folder.path().string());
+    const bool isLinkLoaded = reader.load(link);
+    const bool isFileLoaded = reader.load(path);
+    tvk::ProductPaths::set(tvk::ProductPaths::kHomeRoot, tvk::ProductPaths::kUserData);
+    EXPECT_FALSE(isLinkLoaded);
+    EXPECT_TRUE(isFileLoaded);
 }
 
 TEST_F(AudioFileReaderTest, AFileThatEndsBeforeItsSizeWasNotRead) {
