@@ -108,25 +108,27 @@ public:
     void vibratoChannelBrightChangedHandler(int isOn) override;
 
 private:
-    // What a change of a slot's value is about.
-    struct Value;
+    struct Value;  // one of the three numbers of a slot
 
     bool assign(std::uint32_t slot, bool isFactory, const std::string& name);
     bool setValue(std::uint32_t slot, const Value& value, float number);
     float getValue(std::uint32_t slot, const Value& value) const;
+    std::string pathOf(const CabsimIR& slot) const;
+    bool hasFile(const CabsimIR& slot) const;
 
     // Under the apply lock.
     void apply(std::uint32_t slot);
-    void emptySlotsWithoutFile(std::uint32_t first, std::uint32_t last);
-    bool hasFile(const CabsimIR& slot) const;
-    std::string pathOf(const CabsimIR& slot) const;
+    void applyReverbTaper();
+    void emptyWithoutFile(std::uint32_t slot);
+    void emptySlotsWithoutFile();
 
     void load(int amplifier);
-    std::optional<Slots> readUserFile();
-    Slots readDefaults();
-    bool save();
     void store(const Slots& slots);
-    bool isSelected(std::uint32_t slot) const;
+    std::optional<Slots> readUserFile() const;
+    Slots readUserFileOrDefaults() const;
+    Slots readDefaults() const;
+    const char* defaultsFile() const;
+    bool save();
 
     Model& model_;
     GlobalSettingsModel& settings_;

@@ -36,7 +36,8 @@ public:
 
 private:
     void load(int amplifier);
-    void loadCatalogue(const std::string& path);
+    std::vector<std::string> readCatalogue(const std::string& path) const;
+    void store(std::string directory, std::vector<std::string> names);
 
     Model& model_;
     Storage& storage_;

@@ -10,8 +10,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
+#include "proj/models/GlobalSettings.h"
 #include "proj/models/GlobalSettingsObserver.h"
 #include "proj/models/Storage.h"
 #include "utility/CallList.h"
@@ -40,20 +40,12 @@ public:
     void removeObserver(GlobalSettingsObserver& observer);
 
 private:
-    struct Settings {
-        int schemaVersion = 1;
-        std::uint32_t reverbTaperType = 0;
-        bool vibratoChannelBright = false;
-    };
-
     void load();
-    void loadDefaults();
-    static Settings loadGlobalSettings(const std::string& text, bool& isMigrated);
     void save();
 
     Storage& storage_;
     mutable PriorityMutex mutex_;  // on settings_
-    Settings settings_;
+    GlobalSettings settings_;
     CallList<GlobalSettingsObserver*> observers_;
 };
 

@@ -19,13 +19,11 @@ inline constexpr const char* kNoIR = "None";
 bool isNoIR(std::string_view name);
 
 // A name that a slot or a catalogue may hold: 1 to 247 bytes, so that the extension and that of a temporary
-// file fit a directory entry; not "." or ".."; no "/", NUL or other control byte.
+// file fit a directory entry; not "." or ".."; no "/", NUL or other control byte; UTF-8, which JSON and
+// the client's messages can tell.
 bool isValidIRName(std::string_view name);
 
 // A name that a user response may be stored under: the same without the two names for none.
 bool isValidUserIRName(std::string_view name);
-
-// Whether the bytes are well-formed UTF-8, which JSON and the client's messages hold alone.
-bool isUtf8(std::string_view text);
 
 }  // namespace tvk

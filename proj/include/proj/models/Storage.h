@@ -47,8 +47,8 @@ public:
     // Deletes a file for good; one that is not there counts as deleted. Throws tvk::Exception.
     void remove(const std::string& path);
 
-    // Deletes these files and every entry of the folder. What is not there counts as deleted. Throws
-    // tvk::Exception at the first entry that stays.
+    // Deletes these files, which lie in one folder, and every entry of the folder, whose name ends in "/".
+    // What is not there counts as deleted. Throws tvk::Exception at the first entry that stays.
     void wipe(const std::vector<std::string>& files, const std::string& folder);
 
     // Creates a folder that is not there; its parent is. False with errno set on failure.

@@ -64,13 +64,19 @@ public:
 
 private:
     void load();
-    bool hasRoomFor(const std::string& name) const;  // under the lock
+    std::vector<UserIR>::iterator find(const std::string& name);  // under the lock
+    void requireRoomFor(const std::string& name);
+    bool addRecord(const std::string& name);
+    std::string nameAt(std::uint32_t slot) const;
+    std::vector<std::string> namesInFolder() const;
+    void requestSave();
     bool saveCatalogue() const;
 
     Storage& storage_;
-    mutable std::shared_mutex mutex_;  // on records_
+    mutable std::shared_mutex mutex_;  // on the two that follow
     std::vector<UserIR> records_;
-    SaveThread saveThread_;  // last: it ends before what it saves goes
+    Storage::Ticket saveTicket_ = 0;  // of the last change
+    SaveThread saveThread_;           // last: it ends before what it saves goes
 };
 
 }  // namespace tvk
