@@ -12,7 +12,12 @@ speaker_cabinet.py; below are the boxes, the drivers and the places.
     IRs/TestCabinet1, IRs/TestCabinet2
 
 tell the two outer positions of the cabinet switch apart by ear: all below 1 kHz, and all above.
+
+    factoryIRs*.json             the catalogue of each amplifier: its four responses, by name
+    userCabsimDefaults*.json     what the three positions of its cabinet switch start with
 """
+
+import json
 
 import numpy as np
 
@@ -111,6 +116,14 @@ PLACES = {
     "Far": Microphone(distance=0.60, offset=0.0, angle_degrees=22.0, gradient=0.0, low_cut_hz=40.0, presence_db=0.0),
 }
 
+# What stands behind an amplifier's name in the names of its two files.
+FILE_NAMES = {"Arvel": "ArvelSlate", "Corvin": "CorvinSlate", "Lisko": "Lisko", "Sorrel": "Sorrel"}
+
+# The three positions of the switch, from the brightest to the roomiest: place, high-pass and low-pass in Hz. The
+# places on the cone keep their whole range; the far one loses the rumble that its omnidirectional microphone adds.
+DEFAULT_SLOTS = (("Near-Edge", 20.0, 20000.0), ("Off-Axis", 20.0, 20000.0), ("Far", 60.0, 20000.0))
+DEFAULT_LEVEL_DB = -5.0
+
 
 def test_cabinets():
     f = frequencies()
@@ -133,17 +146,36 @@ def responses():
     return made
 
 
+def slot(name, hpf, lpf):
+    return {"isFactory": True, "irName": name, "isDirty": False, "hpf": hpf, "lpf": lpf, "level": DEFAULT_LEVEL_DB}
+
+
+def texts():
+    """Name below the product's home and text, of every catalogue and every file of defaults."""
+    made = {}
+    for name, file_name in FILE_NAMES.items():
+        catalogue = {"factoryIRs": [{"name": f"{name}-{place}"} for place in PLACES]}
+        defaults = {"cabsimIRs": [slot(f"{name}-{place}", hpf, lpf) for place, hpf, lpf in DEFAULT_SLOTS]}
+        made[f"factoryIRs{file_name}.json"] = json.dumps(catalogue, indent=4) + "\n"
+        made[f"userCabsimDefaults{file_name}.json"] = json.dumps(defaults, indent=4) + "\n"
+    return made
+
+
 def write():
     for path, x in responses().items():
         wav24.write(HOME / path, x)
         print(f"{path}: {len(x)} samples, loudest {np.abs(x).max():.3f}, sum {x.sum():.4f}")
+    for path, text in texts().items():
+        (HOME / path).write_text(text)
+        print(path)
 
 
 def check():
-    return [
+    sounds = [
         wav24.difference(path, wav24.read(HOME / path), x, generated.AUDIO_TOLERANCE_DB)
         for path, x in responses().items()
     ]
+    return sounds + [f"{path}: differs" for path, text in texts().items() if (HOME / path).read_text() != text]
 
 
 def gains_db(x):

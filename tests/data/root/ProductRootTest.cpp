@@ -1,8 +1,11 @@
 // The product files as shipped, read without the program's own readers.
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 
 namespace {
@@ -14,7 +17,7 @@ nlohmann::json load(const std::string& name) {
 
 TEST(ProductRoot, ProfileHasEveryKeyWithItsType) {
     const nlohmann::json profile = load("product_profile.json");
-    EXPECT_EQ(profile.at("productFamily"), "ostrel");
+    EXPECT_EQ(profile.at("productFamily"), "slatePanel");
     EXPECT_EQ(profile.at("frontPanelKnobClass"), "QNB");
     EXPECT_TRUE(profile.at("preFxHeadRoomEnable").is_boolean());
     for (const char* key : {"inputVoltageMapping", "dreGainDeltaDb", "drePreGainLowGainPath",
@@ -63,6 +66,65 @@ TEST(ProductRoot, CostTableKnowsEveryUnitAndTheFlagshipFitsTheBudget) {
         EXPECT_GT(costs[id], 0.0) << id;
     }
     EXPECT_LE(costs["DUBS_NorvaneArvelReverb65"], budget);
+}
+
+struct Amplifier {
+    const char* name;
+    const char* catalogue;
+    const char* defaults;
+};
+
+constexpr Amplifier kAmplifiers[] = {
+    {"Arvel", "factoryIRsArvelSlate.json", "userCabsimDefaultsArvelSlate.json"},
+    {"Corvin", "factoryIRsCorvinSlate.json", "userCabsimDefaultsCorvinSlate.json"},
+    {"Lisko", "factoryIRsLisko.json", "userCabsimDefaultsLisko.json"},
+    {"Sorrel", "factoryIRsSorrel.json", "userCabsimDefaultsSorrel.json"}};
+
+std::set<std::string> namesOf(const Amplifier& amplifier) {
+    std::set<std::string> names;
+    for (const auto& record : load(amplifier.catalogue).at("factoryIRs"))
+        names.insert(record.at("name"));
+    return names;
+}
+
+TEST(ProductRoot, EveryCatalogueListsTheResponsesOfItsFolderAndNoOthers) {
+    for (const Amplifier& amplifier : kAmplifiers) {
+        const std::filesystem::path folder = std::filesystem::path(TARVEK_PRODUCT_ROOT) / "factoryIRs" /
+                                             (std::string(amplifier.name) + "-SlatePanel-IRs");
+        std::set<std::string> files;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            EXPECT_EQ(entry.path().extension(), ".wav");
+            files.insert(entry.path().stem().string());
+        }
+        EXPECT_EQ(namesOf(amplifier), files) << amplifier.name;
+        EXPECT_GE(files.size(), 3U);
+    }
+}
+
+TEST(ProductRoot, TheSwitchStartsWithThreeDifferentCabinetsOfItsAmplifier) {
+    for (const Amplifier& amplifier : kAmplifiers) {
+        const std::set<std::string> names = namesOf(amplifier);
+        std::set<std::string> slots;
+        for (const auto& slot : load(amplifier.defaults).at("cabsimIRs")) {
+            EXPECT_EQ(slot.at("isFactory"), true);
+            EXPECT_EQ(slot.at("isDirty"), false);
+            EXPECT_EQ(slot.at("level"), -5.0);
+            EXPECT_GE(slot.at("hpf"), 20.0);
+            EXPECT_LE(slot.at("hpf"), 500.0);
+            EXPECT_GE(slot.at("lpf"), 1000.0);
+            EXPECT_LE(slot.at("lpf"), 20000.0);
+            EXPECT_TRUE(names.contains(slot.at("irName"))) << slot.at("irName");
+            slots.insert(slot.at("irName"));
+        }
+        EXPECT_EQ(slots.size(), 3U) << amplifier.name;
+    }
+}
+
+TEST(ProductRoot, TheFirmwareTellsItsVersion) {
+    std::ifstream file(std::string(TARVEK_PRODUCT_ROOT) + "/release-version");
+    std::string version;
+    ASSERT_TRUE(std::getline(file, version));
+    EXPECT_EQ(version, TARVEK_PROJECT_VERSION);
 }
 
 }  // namespace
