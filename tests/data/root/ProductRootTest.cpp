@@ -82,7 +82,8 @@ constexpr Amplifier kAmplifiers[] = {
 
 std::set<std::string> namesOf(const Amplifier& amplifier) {
     std::set<std::string> names;
-    for (const auto& record : load(amplifier.catalogue).at("factoryIRs"))
+    const nlohmann::json catalogue = load(amplifier.catalogue);
+    for (const auto& record : catalogue.at("factoryIRs"))
         names.insert(record.at("name"));
     return names;
 }
@@ -105,7 +106,8 @@ TEST(ProductRoot, TheSwitchStartsWithThreeDifferentCabinetsOfItsAmplifier) {
     for (const Amplifier& amplifier : kAmplifiers) {
         const std::set<std::string> names = namesOf(amplifier);
         std::set<std::string> slots;
-        for (const auto& slot : load(amplifier.defaults).at("cabsimIRs")) {
+        const nlohmann::json defaults = load(amplifier.defaults);
+        for (const auto& slot : defaults.at("cabsimIRs")) {
             EXPECT_EQ(slot.at("isFactory"), true);
             EXPECT_EQ(slot.at("isDirty"), false);
             EXPECT_EQ(slot.at("level"), -5.0);
