@@ -5,11 +5,11 @@
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=true
 
 BUILD_PACKAGES="g++ cmake ninja-build ccache pkg-config libasound2-dev libfftw3-dev nlohmann-json3-dev libcli11-dev
-  libsndfile1-dev libgtest-dev libgmock-dev libbenchmark-dev"
+  libsndfile1-dev libprotobuf-dev protobuf-compiler libgtest-dev libgmock-dev libbenchmark-dev"
 RUN_PACKAGES="jq sox"
 FUZZ_PACKAGES="clang-14 libclang-rt-14-dev"
 ARM64_PACKAGES="g++-aarch64-linux-gnu qemu-user libne10-dev:arm64 libasound2-dev:arm64 libsndfile1-dev:arm64
-  libgtest-dev:arm64 libgmock-dev:arm64 libbenchmark-dev:arm64"
+  libprotobuf-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64 libbenchmark-dev:arm64"
 
 # A name without an architecture means this machine's own, whatever other architectures are installed beside it.
 missing_packages() {
