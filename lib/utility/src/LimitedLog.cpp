@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 #include "utility/Clock.h"
 
@@ -63,7 +64,7 @@ bool LimitedLog::admit(log::Severity severity, const char* file, int line, const
 
 LimitedLog::Place& LimitedLog::placeOf(log::Severity severity, const char* file, int line) {
     const auto found = std::find_if(places_.begin(), places_.end(), [&](const Place& place) {
-        return place.line == line && place.file == file;
+        return place.line == line && std::strcmp(place.file, file) == 0;
     });
     if (found != places_.end()) return *found;
     Place place{severity, file, line, {}, 0, 0, {}};

@@ -24,7 +24,7 @@ public:
     LimitedLog(const LimitedLog&) = delete;
     LimitedLog& operator=(const LimitedLog&) = delete;
 
-    // file: a literal, since its address stands for the place.
+    // file is kept: a literal. It and the line are the place.
     void diagnostic(log::Severity severity, const char* file, int line, const char* format, ...)
         __attribute__((format(printf, 5, 6)));
 
