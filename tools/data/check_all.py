@@ -16,6 +16,7 @@ CHECKS = (
     ("spring_tank.py", "--check"),
     ("cabinets.py", "--check"),
     ("guitars.py", "--check"),
+    ("panel_frames.py", "--check"),
     ("level_plan.py",),
 )
 
