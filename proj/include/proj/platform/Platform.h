@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <poll.h>
 #include <string>
 
 #include "utility/Clock.h"
@@ -32,6 +33,14 @@ struct Platform {
     // Names for snd_pcm_open.
     std::string captureDevice = "hw:0,0";
     std::string playbackDevice = "hw:0,0";
+
+    // The serial port to the control processor, and the device file of the USB link to a desktop client.
+    std::string uartDevice = "/dev/ttymxc1";
+    std::string hidDevice = "/dev/hidg0";
+
+    // Folder of the GPIO files, and the events of poll(2) that announce a change of the back panel's button.
+    std::string gpioRoot = "/sys/class/gpio";
+    short buttonPollEvents = POLLPRI | POLLERR;
 
     // Runs one shell command and returns what system(3) would.
     std::function<int(const std::string& command)> runShell;
