@@ -19,6 +19,6 @@ public:
 private:
     const int pageNumber_;
     Controller& controller_;
-    const PageFactory pageFactory_;
+    PageFactory pageFactory_;
     const std::unique_ptr<Page> currentPage_;
 };
