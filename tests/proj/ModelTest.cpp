@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -13,56 +12,12 @@
 #include "proj/platform/Platform.h"
 #include "support/LogRecorder.h"
 #include "support/TemporaryFolder.h"
+#include "support/card/SteppedTime.h"
 #include "support/card/TestCard.h"
-#include "utility/Clock.h"
 
 namespace {
 
 using Lines = std::vector<std::string>;
-
-// Time that stands until somebody waits: a wait of d lets the card run the periods that fall into d, and
-// returns when the audio thread has asked for the next. With it the audio thread runs in step with the test.
-class SteppedTime : public tvk::Clock {
-public:
-    explicit SteppedTime(TestCard& card) {
-        install(this);
-        card.beforePeriod = [this] { awaitPeriod(); };
-    }
-    ~SteppedTime() override { install(nullptr); }
-
-    std::chrono::nanoseconds now() override { return std::chrono::nanoseconds(now_.load()); }
-    void sleepFor(std::chrono::nanoseconds duration) override {
-        const long long end = now_.fetch_add(duration.count()) + duration.count();
-        granted_.store(end / kPeriodNs);
-        granted_.notify_all();
-        for (long taken = taken_.load(); taken < end / kPeriodNs && !free_.load(); taken = taken_.load())
-            taken_.wait(taken);
-    }
-    int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
-
-    // From here on the card never waits, so that the audio thread can end.
-    void release() {
-        free_.store(true);
-        granted_.store(granted_.load() + 1);
-        granted_.notify_all();
-    }
-
-private:
-    static constexpr long long kPeriodNs = 725624;
-
-    void awaitPeriod() {
-        const long wanted = taken_.load() + 1;
-        for (long granted = granted_.load(); granted < wanted && !free_.load(); granted = granted_.load())
-            granted_.wait(granted);
-        taken_.store(wanted);
-        taken_.notify_all();
-    }
-
-    std::atomic<long long> now_{0};
-    std::atomic<long> granted_{0};
-    std::atomic<long> taken_{0};
-    std::atomic<bool> free_{false};
-};
 
 class ModelTest : public testing::Test {
 protected:

@@ -71,17 +71,18 @@ bool Storage::save(const std::string& path, std::string_view bytes, Ticket ticke
 void Storage::remove(const std::string& path) {
     const std::string place = ProductPaths::resolve(path);
     const std::lock_guard lock(mutex_);
-    removeLocked(place);
-    syncFolderOf(place, files_);
+    if (removeLocked(place)) syncFolderOf(place, files_);
 }
 
-void Storage::removeLocked(const std::string& place) {
+bool Storage::removeLocked(const std::string& place) {
     written_.erase(place);
     struct stat status {};
     const bool isGone =
         OsFiles::resumed([&] { return files_.pathStatus(place.c_str(), false, &status); }) != 0 &&
         isAbsence(errno);
-    if (!isGone) Directory(files_).remove(place);
+    if (isGone) return false;
+    Directory(files_).remove(place);
+    return true;
 }
 
 void Storage::wipe(const std::vector<std::string>& files, const std::string& folder) {

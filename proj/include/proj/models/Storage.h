@@ -60,7 +60,7 @@ public:
     std::vector<std::string> listFolder(const std::string& path) const;
 
 private:
-    void removeLocked(const std::string& place);
+    bool removeLocked(const std::string& place);  // false when it was not there
 
     OsFiles& files_;
     std::atomic<Ticket> nextTicket_{1};
