@@ -1,25 +1,11 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+#include "support/HandClock.h"
 #include "support/LogRecorder.h"
-#include "utility/Clock.h"
 #include "utility/LimitedLog.h"
 
 namespace {
-
-class HandClock : public tvk::Clock {
-public:
-    HandClock() { install(this); }
-    ~HandClock() override { install(nullptr); }
-    HandClock(const HandClock&) = delete;
-    HandClock& operator=(const HandClock&) = delete;
-
-    std::chrono::nanoseconds now() override { return time; }
-    void sleepFor(std::chrono::nanoseconds duration) override { time += duration; }
-    int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
-
-    std::chrono::nanoseconds time{0};
-};
 
 class LimitedLogTest : public testing::Test {
 protected:
@@ -44,7 +30,7 @@ TEST_F(LimitedLogTest, TenLinesASecondAreWrittenAsTheyAre) {
 
 TEST_F(LimitedLogTest, TheLineAfterASilenceCountsWhatWasWithheld) {
     complain(17);
-    clock.time += std::chrono::seconds(1);
+    clock.advance(std::chrono::seconds(1));
     complain(1);
     EXPECT_EQ(log.lines().back(), "Warn bad frame (and 7 more)");
     complain(1);
@@ -54,7 +40,7 @@ TEST_F(LimitedLogTest, TheLineAfterASilenceCountsWhatWasWithheld) {
 TEST_F(LimitedLogTest, NoSecondHoldsMoreThanTenLinesHoweverItIsLaid) {
     for (int tick = 0; tick < 3000; ++tick) {
         complain(1);
-        clock.time += std::chrono::milliseconds(1);
+        clock.advance(std::chrono::milliseconds(1));
     }
     EXPECT_EQ(log.lines().size(), 30u);
 }
