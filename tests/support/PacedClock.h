@@ -1,8 +1,8 @@
-// Time for a test of threads that pace themselves by sleeping: it stands still until all of them sleep, and then
-// moves to the end of the sleep that ends first, as far as the test says.
+// Time for a test of threads that pace themselves by sleeping: it stands still until all of them sleep, and
+// then moves to the end of the sleep that ends first, as far as the test says.
 //
-// A run is the same in every repeat if no two of the threads work on the same thing at the same moment. Waits for
-// descriptors are the machine's, and do not wait.
+// A run is the same in every repeat if no two of the threads work on the same thing at the same moment. Waits
+// for descriptors are the machine's, and do not wait.
 #pragma once
 
 #include <condition_variable>
