@@ -19,6 +19,7 @@
 #include "desk/OutputWriter.h"
 #include "desk/ProductRoot.h"
 #include "desk/Refusal.h"
+#include "desk/soundcard/Quiescence.h"
 #include "desk/soundcard/VirtualCard.h"
 #include "proj/runner/Runner.h"
 #include "utility/BackgroundJobs.h"
@@ -83,8 +84,8 @@ VirtualCard::Settings cardSettings(const Options& options) {
     settings.rateHz = kRateHz;
     settings.loop = options.loop;
     settings.faults = options.faults;
-    // In real time the helpers have a block for a block's job and longer for a tail's.
-    settings.beforePeriod = BackgroundJobs::waitUntilIdle;
+    // The end of a run is the same in every run, however late it is noticed.
+    settings.transportEnds = [] { VirtualCard::instance().virtualTime().hold(); };
     std::uint64_t guitarFrames = 0;
     if (options.inFile) {
         const GuitarFile guitar(*options.inFile, kRateHz);
@@ -119,9 +120,13 @@ int play(const Options& options) {
     DeskSession session(options, card, writer);
     DeskClock clock(card.virtualTime());
     const bool isVirtual = options.clock == VirtualCard::ClockMode::Virtual;
-    // From here on card time stands still while this thread works, until the session is over.
-    std::optional<VirtualTime::Driver> driver;
-    if (isVirtual) driver.emplace(card.virtualTime());
+    Quiescence others;
+    card.virtualTime().setAwaitRest([&others] {
+        // Helpers look for work all the time: theirs is counted. In real time they have a block for a block's
+        // job and longer for a tail's.
+        BackgroundJobs::waitUntilIdle();
+        others.await();
+    });
 
     Platform platform = productPlatform();
     platform.homeRoot = root.homeRoot;
@@ -130,9 +135,9 @@ int play(const Options& options) {
     platform.blockTimer = &blocks;
     platform.session = [&](Model& model, StopSignal& stop) {
         struct Release {
-            std::optional<VirtualTime::Driver>& driver;
-            ~Release() { driver.reset(); }
-        } const release{driver};
+            VirtualTime& time;
+            ~Release() { time.release(); }
+        } const release{card.virtualTime()};
         session.run(model, stop);
     };
     return applicationMain(platform);

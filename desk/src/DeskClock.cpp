@@ -2,19 +2,33 @@
 
 #include <algorithm>
 
+#include "desk/soundcard/Quiescence.h"
+
 namespace tvk::desk {
+
+namespace {
+
+// Two threads that start others at once would wait for each other.
+constexpr std::chrono::milliseconds kLongestStart{200};
+
+}  // namespace
+
+void DeskClock::threadStarted() {
+    Quiescence others;
+    others.leaveOut(time_.audioThread());
+    others.await(kLongestStart);
+}
 
 int DeskClock::poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) {
     using namespace std::chrono_literals;
     const bool isEndless = timeout < 0ms;
-    if (!time_.callerIsDriver())
-        return ::poll(descriptors, count, isEndless ? -1 : static_cast<int>(timeout.count()));
+    if (isEndless) return ::poll(descriptors, count, -1);
     const std::chrono::nanoseconds end = time_.now() + timeout;
     while (true) {
         const int ready = ::poll(descriptors, count, 0);
         const std::chrono::nanoseconds left = end - time_.now();
-        if (ready != 0 || (!isEndless && left <= 0ns)) return ready;
-        time_.sleepFor(isEndless ? 1ms : std::min<std::chrono::nanoseconds>(left, 1ms));
+        if (ready != 0 || left <= 0ns) return ready;
+        time_.sleepFor(std::min<std::chrono::nanoseconds>(left, 1ms));
     }
 }
 

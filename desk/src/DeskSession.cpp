@@ -32,7 +32,7 @@ void DeskSession::run(Model& model, StopSignal& stop) {
     writer_.start([&model] { return model.getXrunCount(); });
     card_.beginTransport();
     while (!card_.transportFinished() && !stop.arrived() && !writer_.hasFailed())
-        Clock::current().sleepFor(kLook);
+        Clock::current().nap(kLook);
     card_.endTransport();
     writer_.finish();
 }

@@ -1,10 +1,10 @@
-#include <atomic>
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 #include <thread>
 #include <unistd.h>
 
 #include "desk/DeskClock.h"
+#include "desk/soundcard/Quiescence.h"
 
 using tvk::desk::DeskClock;
 using tvk::desk::VirtualTime;
@@ -16,29 +16,34 @@ class DeskClockPoll : public ::testing::Test {
 protected:
     ~DeskClockPoll() override { ::close(event_.fd); }
 
-    // Runs the poll on a driver's thread while this one moves time up to the end.
+    DeskClockPoll() {
+        time_.setAwaitRest([this] { others_.await(); });
+    }
+
+    // Runs the poll while an audio thread moves time to the end.
     int pollWhileTimeMoves(std::chrono::milliseconds timeout, std::chrono::milliseconds end) {
+        time_.hold();
+        std::thread audio([&] {
+            time_.markAudioThread();
+            time_.waitUntil(end + 1ms);
+        });
+        EXPECT_TRUE(time_.run(0ms));
         int result = -1;
-        VirtualTime::Driver here(time_);
-        std::thread driver([&] {
-            VirtualTime::Driver part(time_);
-            // The driver of the test's own thread holds time until this one is there.
-            isThere_.store(true);
-            isThere_.notify_one();
+        std::thread control([&] {
             result = clock_.poll(&event_, 1, timeout);
             returnedAt_ = time_.now();
         });
-        isThere_.wait(false);
-        here.release();
-        time_.waitUntil(end);
-        driver.join();
+        EXPECT_TRUE(time_.run(end));
+        time_.release();
+        audio.join();
+        control.join();
         return result;
     }
 
+    tvk::desk::Quiescence others_;
     VirtualTime time_;
     DeskClock clock_{time_};
     pollfd event_{eventfd(0, EFD_CLOEXEC), POLLIN, 0};
-    std::atomic<bool> isThere_{false};
     std::chrono::nanoseconds returnedAt_{0};
 };
 
@@ -60,7 +65,7 @@ TEST_F(DeskClockPoll, ZeroTimeoutOnlyLooks) {
     EXPECT_EQ(returnedAt_, 0ms);
 }
 
-TEST_F(DeskClockPoll, ThreadThatIsNoDriverPollsTheMachine) {
+TEST_F(DeskClockPoll, WithoutALimitItWaitsForTheDataItself) {
     eventfd_write(event_.fd, 1);
     EXPECT_EQ(clock_.poll(&event_, 1, -1ms), 1);
     EXPECT_EQ(time_.now(), 0ms);

@@ -14,8 +14,10 @@ public:
     std::chrono::nanoseconds now() override { return time_.now(); }
     void sleepFor(std::chrono::nanoseconds duration) override { time_.sleepFor(duration); }
 
-    // A driver looks at its descriptors every millisecond of the card's time; all others wait in the
-    // machine's.
+    void threadStarted() override;
+
+    // With a limit, looks at the descriptors every millisecond of the card's time; without, waits for the
+    // data itself.
     int poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) override;
 
 private:

@@ -109,7 +109,7 @@ int VirtualCard::prepare(Direction direction, std::size_t bufferFrames) {
 }
 
 int VirtualCard::start(Direction direction) {
-    VirtualTime::markAudioThread();
+    virtualTime_.markAudioThread();
     const std::int64_t cardFrame = frameNow();
     if (isGone(cardFrame)) return -ENODEV;
     const auto run = [cardFrame](Stream& which) {
@@ -259,7 +259,9 @@ void VirtualCard::playOut(std::int64_t cardFrame) {
 void VirtualCard::emit(std::int64_t cardFrame, FrameRing::Frame frame) {
     const auto index = static_cast<std::uint64_t>(cardFrame - origin_);
     if (index < settings_.transportFrames) push(frame);
-    if (index + 1 == settings_.transportFrames) finished_.store(true, std::memory_order_release);
+    if (index + 1 != settings_.transportFrames) return;
+    finished_.store(true, std::memory_order_release);
+    if (settings_.transportEnds) settings_.transportEnds();
 }
 
 void VirtualCard::push(FrameRing::Frame frame) {
@@ -281,7 +283,6 @@ std::chrono::nanoseconds VirtualCard::nextProgress(Direction direction) {
 }
 
 void VirtualCard::awaitProgress(Direction direction) {
-    if (settings_.beforePeriod) settings_.beforePeriod();
     virtualTime_.waitUntil(nextProgress(direction));
 }
 

@@ -1,33 +1,39 @@
 #include "desk/soundcard/VirtualTime.h"
 
 #include <algorithm>
-#include <thread>
+#include <string>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace tvk::desk {
 
 namespace {
 
-thread_local VirtualTime* drivenClock = nullptr;
-thread_local bool isAudioThread = false;
+std::string nameOf(pthread_t thread) {
+    char name[16] = "";
+    pthread_getname_np(thread, name, sizeof name);
+    return name;
+}
 
 }  // namespace
 
-VirtualTime::Driver::Driver(VirtualTime& time) : time_(&time) {
-    const std::lock_guard lock(time.mutex_);
-    ++time.awakeDrivers_;
-    drivenClock = &time;
-}
-
-void VirtualTime::Driver::release() {
-    if (!time_) return;
-    {
-        const std::lock_guard lock(time_->mutex_);
-        --time_->awakeDrivers_;
+// On the audio thread's own stack of thread-locals, so that its end is noticed however it ends.
+class VirtualTime::Mark {
+public:
+    ~Mark() {
+        if (time_) time_->endOfAudioThread();
     }
-    time_->mayMove_.notify_all();
-    drivenClock = nullptr;
-    time_ = nullptr;
-}
+    void set(VirtualTime* time) { time_ = time; }
+    bool isOf(const VirtualTime* time) const { return time_ == time; }
+
+    static Mark& ofThisThread() {
+        thread_local Mark mark;
+        return mark;
+    }
+
+private:
+    VirtualTime* time_ = nullptr;
+};
 
 VirtualTime::Nanoseconds VirtualTime::now() const {
     const std::lock_guard lock(mutex_);
@@ -35,59 +41,127 @@ VirtualTime::Nanoseconds VirtualTime::now() const {
 }
 
 void VirtualTime::markAudioThread() {
-    isAudioThread = true;
+    if (Mark::ofThisThread().isOf(this)) return;
+    Mark::ofThisThread().set(this);
+    const std::lock_guard lock(mutex_);
+    audioThread_ = static_cast<pid_t>(syscall(SYS_gettid));
 }
 
-bool VirtualTime::callerIsDriver() const {
-    return drivenClock == this;
+void VirtualTime::endOfAudioThread() {
+    const std::lock_guard lock(mutex_);
+    audioThread_ = 0;
+    for (Sleeper* const sleeper : sleepers_)
+        sleeper->wake.notify_one();
+}
+
+void VirtualTime::rest(std::unique_lock<std::mutex>& lock) {
+    if (!awaitRest_ || isReleased_) return;
+    lock.unlock();
+    awaitRest_();
+    lock.lock();
 }
 
 void VirtualTime::waitUntil(Nanoseconds deadline) {
     std::unique_lock lock(mutex_);
-    const int self = callerIsDriver() ? 1 : 0;
     while (now_ < deadline) {
-        mayMove_.wait(lock, [&] { return awakeDrivers_ == self; });
-        const auto first =
-            std::min_element(sleepers_.begin(), sleepers_.end(),
-                             [](const auto* a, const auto* b) { return a->deadline < b->deadline; });
-        if (first == sleepers_.end() || (*first)->deadline > deadline) {
-            now_ = std::max(now_, deadline);
-            break;
+        rest(lock);
+        const auto first = firstSleeper();
+        const bool isSleeperNext = first != sleepers_.end() && (*first)->deadline <= deadline;
+        const Nanoseconds next = isSleeperNext ? (*first)->deadline : deadline;
+        if (next > limit_ && !isReleased_) {
+            holdAtLimit(lock);
+            continue;
         }
-        Sleeper* const sleeper = *first;
-        sleepers_.erase(first);
-        now_ = std::max(now_, sleeper->deadline);
-        ++awakeDrivers_;
-        sleeper->isAwake = true;
-        sleeper->wake.notify_one();
+        now_ = std::max(now_, next);
+        if (isSleeperNext) wake(first, lock);
     }
-    // A driver woken at the very deadline does its part before the audio thread goes on.
-    mayMove_.wait(lock, [&] { return awakeDrivers_ == self; });
+    rest(lock);
+}
+
+void VirtualTime::holdAtLimit(std::unique_lock<std::mutex>& lock) {
+    now_ = std::max(now_, limit_);
+    isHeld_ = true;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return !isHeld_ || isReleased_; });
+}
+
+std::list<VirtualTime::Sleeper*>::iterator VirtualTime::firstSleeper() {
+    return std::min_element(sleepers_.begin(), sleepers_.end(), [](const Sleeper* a, const Sleeper* b) {
+        return a->deadline != b->deadline ? a->deadline < b->deadline : nameOf(a->thread) < nameOf(b->thread);
+    });
+}
+
+void VirtualTime::wake(std::list<Sleeper*>::iterator which, std::unique_lock<std::mutex>& lock) {
+    Sleeper* const sleeper = *which;
+    sleepers_.erase(which);
+    sleeper->isAwake = true;
+    ++waking_;
+    sleeper->wake.notify_one();
+    changed_.wait(lock, [this] { return waking_ == 0; });
 }
 
 void VirtualTime::sleepFor(Nanoseconds duration) {
     if (duration <= Nanoseconds::zero()) return;
-    if (callerIsDriver())
-        sleepAsDriver(duration);
-    else if (isAudioThread)
+    if (Mark::ofThisThread().isOf(this))
         waitUntil(now() + duration);
     else
-        std::this_thread::sleep_for(duration);
+        sleep(duration);
 }
 
-void VirtualTime::sleepAsDriver(Nanoseconds duration) {
+void VirtualTime::sleep(Nanoseconds duration) {
     std::unique_lock lock(mutex_);
     Sleeper self;
     self.deadline = now_ + duration;
+    self.thread = pthread_self();
     sleepers_.push_back(&self);
-    --awakeDrivers_;
-    mayMove_.notify_all();
-    self.wake.wait(lock, [&] { return self.isAwake; });
+    const auto machineDeadline = std::chrono::steady_clock::now() + duration;
+    const bool wasReleased = isReleased_;
+    while (!self.isAwake && isReleased_ == wasReleased) {
+        if (!isMachineTime())
+            self.wake.wait(lock);
+        else if (self.wake.wait_until(lock, machineDeadline) == std::cv_status::timeout && isMachineTime())
+            break;
+    }
+    if (self.isAwake) {
+        --waking_;
+        changed_.notify_all();
+    } else {
+        sleepers_.remove(&self);
+    }
+}
+
+void VirtualTime::hold() {
+    const std::lock_guard lock(mutex_);
+    limit_ = now_;
+}
+
+bool VirtualTime::run(Nanoseconds duration) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return isHeld_ || isReleased_; });
+    if (duration > Nanoseconds::zero()) {
+        limit_ += duration;
+        isHeld_ = false;
+        changed_.notify_all();
+        changed_.wait(lock, [this] { return isHeld_ || isReleased_; });
+    }
+    rest(lock);
+    return !isReleased_;
+}
+
+void VirtualTime::release() {
+    const std::lock_guard lock(mutex_);
+    isReleased_ = true;
+    changed_.notify_all();
+    for (Sleeper* const sleeper : sleepers_)
+        sleeper->wake.notify_one();
 }
 
 void VirtualTime::reset() {
     const std::lock_guard lock(mutex_);
     now_ = Nanoseconds::zero();
+    limit_ = Nanoseconds::max();
+    isReleased_ = false;
+    isHeld_ = false;
 }
 
 }  // namespace tvk::desk

@@ -3,6 +3,7 @@
 #include <pthread.h>
 #include <sched.h>
 
+#include "utility/Clock.h"
 #include "utility/Log.h"
 #include "utility/scheduler.h"
 
@@ -42,6 +43,7 @@ void TarvekThread::start() {
     thread_ = std::thread(&TarvekThread::body, this);
     tvk::scheduler::setThreadAffinity(thread_.native_handle(), cpu_);
     tvk::scheduler::setThreadScheduling(thread_.native_handle(), policy_, priority_);
+    tvk::Clock::current().threadStarted();
 }
 
 void TarvekThread::stop() {

@@ -2,7 +2,9 @@
 
 #include <cstring>
 #include <sched.h>
+#include <utility>
 
+#include "utility/Clock.h"
 #include "utility/Log.h"
 #include "utility/scheduler.h"
 
@@ -48,6 +50,15 @@ void setNameAndScheduling(std::thread& thread, const std::string& name, int poli
 
 void setNameAndScheduling(const std::string& name, int policyCode, int priority) {
     applyNameAndScheduling(pthread_self(), name, policyCode, priority);
+}
+
+std::thread start(std::function<void()> body, const std::string& name, int policyCode, int priority,
+                  int cpu) {
+    std::thread thread(std::move(body));
+    setAffinity(thread, cpu);
+    setNameAndScheduling(thread, name, policyCode, priority);
+    Clock::current().threadStarted();
+    return thread;
 }
 
 void setAffinity(std::thread& thread, int cpu) {

@@ -222,6 +222,7 @@ void Controller::replayPanel() {
     standbySwitchController(panel.standby.get() != 0);
     normalVolumeController(panel.normalVolume.get());
     vibratoVolumeController(panel.vibratoVolume.get());
+    replayed();
 }
 
 // The switch says nothing while a client is connected, and the new preset knows no cabinet.

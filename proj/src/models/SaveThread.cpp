@@ -15,10 +15,8 @@ constexpr int kCpu = 0;
 }  // namespace
 
 SaveThread::SaveThread(const std::string& name, std::function<bool()> write)
-    : write_(std::move(write)), thread_(&SaveThread::loop, this) {
-    ThreadSched::setNameAndScheduling(thread_, name, kFifo, kPriority);
-    ThreadSched::setAffinity(thread_, kCpu);
-}
+    : write_(std::move(write)),
+      thread_(ThreadSched::start([this] { loop(); }, name, kFifo, kPriority, kCpu)) {}
 
 SaveThread::~SaveThread() {
     {

@@ -58,9 +58,7 @@ ClientManager::ClientManager(ClientTransport transport)
       messages_(codec_->encoder, codec_->decoder, codec_->framer, codec_->composer, *transport_.sender,
                 *transport_.receiver, kQueueDepth),
       takenAtVainWait_(kNoVainWait),
-      thread_([this] { run(); }) {
-    ThreadSched::setAffinity(thread_, kCpu);
-    ThreadSched::setNameAndScheduling(thread_, "ClientManager", kFifo, kPriority);
+      thread_(ThreadSched::start([this] { run(); }, "ClientManager", kFifo, kPriority, kCpu)) {
     log::debug(kTag, "ClientManager started successfully.");
 }
 

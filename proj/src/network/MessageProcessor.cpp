@@ -34,9 +34,9 @@ constexpr int kBatchLast = 3;
 }  // namespace
 
 MessageProcessor::MessageProcessor(ClientManager& clients, MessageHandler& handler)
-    : clients_(clients), handler_(handler), thread_([this] { run(); }) {
-    ThreadSched::setAffinity(thread_, kCpu);
-    ThreadSched::setNameAndScheduling(thread_, "MsgProcessor", kFifo, kPriority);
+    : clients_(clients),
+      handler_(handler),
+      thread_(ThreadSched::start([this] { run(); }, "MsgProcessor", kFifo, kPriority, kCpu)) {
     log::debug(kTag, "MessageProcessor started successfully.");
     log::debug(kTag,
                "NOTE: Tarvek Debug info enable DetailedMessageProcessor to see all incoming server messages");

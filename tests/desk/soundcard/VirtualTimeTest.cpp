@@ -1,90 +1,130 @@
+#include <atomic>
 #include <barrier>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "desk/soundcard/Quiescence.h"
 #include "desk/soundcard/VirtualTime.h"
 
+using tvk::desk::Quiescence;
 using tvk::desk::VirtualTime;
 using namespace std::chrono_literals;
 
-TEST(VirtualTime, MovesToTheDeadlineAtOnceWithoutDrivers) {
+namespace {
+
+using Nanoseconds = std::chrono::nanoseconds;
+
+// A time that moves once everybody else is at rest, moved by a marked thread.
+class VirtualTimeTest : public testing::Test {
+protected:
+    VirtualTimeTest() {
+        time.setAwaitRest([this] { others.await(); });
+    }
+
+    // Moves time in periods of 1 ms on a thread of its own; others are at rest before each.
+    std::thread audio(int periods, std::function<void(int)> period = {}) {
+        return std::thread([this, periods, period] {
+            time.markAudioThread();
+            isMarked.store(true);
+            isMarked.notify_all();
+            for (int n = 1; n <= periods; ++n) {
+                time.waitUntil(n * 1ms);
+                if (period) period(n);
+            }
+        });
+    }
+    void awaitMark() { isMarked.wait(false); }
+
+    Quiescence others;
     VirtualTime time;
+    std::atomic<bool> isMarked{false};
+};
+
+}  // namespace
+
+TEST_F(VirtualTimeTest, MovesToTheDeadlineAtOnceWithoutSleepers) {
     time.waitUntil(3600s);
     EXPECT_EQ(time.now(), 3600s);
 }
 
-TEST(VirtualTime, DoesNotGoBack) {
-    VirtualTime time;
+TEST_F(VirtualTimeTest, DoesNotGoBack) {
     time.waitUntil(2s);
     time.waitUntil(1s);
     EXPECT_EQ(time.now(), 2s);
 }
 
-TEST(VirtualTime, SleepOfTheAudioThreadMovesTime) {
-    VirtualTime time;
+TEST_F(VirtualTimeTest, SleepOfTheAudioThreadMovesTime) {
     std::thread audio([&] {
-        VirtualTime::markAudioThread();
+        time.markAudioThread();
         time.sleepFor(5ms);
     });
     audio.join();
     EXPECT_EQ(time.now(), 5ms);
 }
 
-TEST(VirtualTime, NapOfABystanderLeavesTimeAlone) {
-    VirtualTime time;
-    std::thread bystander([&] { time.sleepFor(1ms); });
-    bystander.join();
+TEST_F(VirtualTimeTest, ASleepWithoutAnAudioThreadIsTheMachines) {
+    time.sleepFor(1ms);
     EXPECT_EQ(time.now(), 0ms);
 }
 
-TEST(VirtualTime, DriverWakesAtItsDeadlineAndHoldsTimeThereUntilItSleeps) {
-    VirtualTime time;
-    std::vector<std::chrono::nanoseconds> seenByDriver;
-    std::vector<std::chrono::nanoseconds> seenByAudio;
-    std::barrier driverIsThere(2);
-    std::thread driver([&] {
-        VirtualTime::Driver part(time);
-        driverIsThere.arrive_and_wait();
-        for (int i = 0; i < 3; ++i) {
+TEST_F(VirtualTimeTest, ASleeperWakesAtItsDeadlineAndTimeStandsStillUntilItRests) {
+    std::vector<Nanoseconds> seen;
+    std::thread sleeper([&] {
+        awaitMark();
+        for (int n = 0; n < 3; ++n) {
             time.sleepFor(1500us);
-            seenByDriver.push_back(time.now());
+            seen.push_back(time.now());
         }
     });
-    driverIsThere.arrive_and_wait();
-    for (int period = 1; period <= 6; ++period) {
-        time.waitUntil(period * 1ms);
-        seenByAudio.push_back(time.now());
-    }
-    driver.join();
-    EXPECT_EQ(seenByDriver, (std::vector<std::chrono::nanoseconds>{1500us, 3ms, 4500us}));
-    EXPECT_EQ(seenByAudio, (std::vector<std::chrono::nanoseconds>{1ms, 2ms, 3ms, 4ms, 5ms, 6ms}));
+    std::vector<Nanoseconds> seenByAudio;
+    audio(6, [&](int) { seenByAudio.push_back(time.now()); }).join();
+    time.release();
+    sleeper.join();
+    EXPECT_EQ(seen, (std::vector<Nanoseconds>{1500us, 3ms, 4500us}));
+    EXPECT_EQ(seenByAudio, (std::vector<Nanoseconds>{1ms, 2ms, 3ms, 4ms, 5ms, 6ms}));
 }
 
-TEST(VirtualTime, TwoDriversAndTheAudioThreadTakeTheSameTurnsInEveryRun) {
-    const auto run = [] {
-        VirtualTime time;
-        // Unprotected on purpose: only the turns keep the three threads apart.
-        std::vector<std::pair<int, std::chrono::nanoseconds>> turns;
-        std::barrier isThere(3);
-        const auto drive = [&](int who, std::chrono::nanoseconds step) {
-            VirtualTime::Driver part(time);
-            isThere.arrive_and_wait();
-            // The first sleeps end apart, whichever of the two falls asleep first.
-            time.sleepFor(who * 10us);
-            for (int i = 0; i < 50; ++i) {
+// Unprotected on purpose: only the turns keep the threads apart.
+TEST_F(VirtualTimeTest, OneDeadlineWakesInTheOrderOfTheThreadsNames) {
+    std::vector<std::string> turns;
+    std::vector<std::thread> sleepers;
+    for (const char* const name : {"c", "a", "b"})
+        sleepers.emplace_back([&, name] {
+            pthread_setname_np(pthread_self(), name);
+            awaitMark();
+            for (int n = 0; n < 3; ++n) {
+                time.sleepFor(1ms);
+                turns.emplace_back(name);
+            }
+        });
+    audio(4).join();
+    time.release();
+    for (std::thread& sleeper : sleepers)
+        sleeper.join();
+    EXPECT_EQ(turns, (std::vector<std::string>{"a", "b", "c", "a", "b", "c", "a", "b", "c"}));
+}
+
+TEST_F(VirtualTimeTest, SleepersAndTheAudioThreadTakeTheSameTurnsInEveryRun) {
+    const auto run = [this] {
+        time.reset();
+        isMarked = false;
+        std::vector<std::pair<int, Nanoseconds>> turns;
+        const auto sleep = [&](int who, Nanoseconds step) {
+            awaitMark();
+            for (int n = 0; n < 50; ++n) {
                 time.sleepFor(step);
                 turns.emplace_back(who, time.now());
             }
         };
-        std::thread first(drive, 1, 700us);
-        std::thread second(drive, 2, 1100us);
-        isThere.arrive_and_wait();
-        for (int period = 1; period <= 80; ++period) {
-            time.waitUntil(period * 1ms);
-            turns.emplace_back(0, time.now());
-        }
+        std::thread first(sleep, 1, 700us);
+        std::thread second(sleep, 2, 1100us);
+        pthread_setname_np(first.native_handle(), "first");
+        pthread_setname_np(second.native_handle(), "second");
+        audio(80, [&](int) { turns.emplace_back(0, time.now()); }).join();
         first.join();
         second.join();
         return turns;
@@ -94,18 +134,85 @@ TEST(VirtualTime, TwoDriversAndTheAudioThreadTakeTheSameTurnsInEveryRun) {
     EXPECT_EQ(once, run());
 }
 
-TEST(VirtualTime, ReleasedDriverHoldsNothingUp) {
-    VirtualTime time;
-    VirtualTime::Driver part(time);
-    std::thread audio([&] { time.waitUntil(1s); });
-    part.release();
-    audio.join();
-    EXPECT_EQ(time.now(), 1s);
+TEST_F(VirtualTimeTest, AThreadThatWaitsForALockThatASleeperHoldsDoesNotHoldTimeUp) {
+    std::mutex mutex;
+    Nanoseconds gotItAt{};
+    std::barrier isLocked(2);
+    std::thread holder([&] {
+        awaitMark();
+        const std::lock_guard lock(mutex);
+        isLocked.arrive_and_wait();
+        time.sleepFor(3ms);
+    });
+    std::thread waiter([&] {
+        isLocked.arrive_and_wait();
+        const std::lock_guard lock(mutex);
+        gotItAt = time.now();
+    });
+    audio(5).join();
+    holder.join();
+    waiter.join();
+    EXPECT_EQ(gotItAt, 3ms);
 }
 
-TEST(VirtualTime, DriverThatMovesTimeItselfDoesNotWaitForItself) {
-    VirtualTime time;
-    VirtualTime::Driver part(time);
-    time.waitUntil(1s);
-    EXPECT_EQ(time.now(), 1s);
+TEST_F(VirtualTimeTest, WhatASleeperSetsOffIsOverBeforeTimeMovesOn) {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isAsked = false;
+    Nanoseconds answeredAt{};
+    std::thread worker([&] {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return isAsked; });
+        // Work that takes longer than any period of the card.
+        for (volatile int n = 0; n < 30000000;)
+            n = n + 1;
+        answeredAt = time.now();
+    });
+    std::thread asker([&] {
+        awaitMark();
+        time.sleepFor(2500us);
+        const std::lock_guard lock(mutex);
+        isAsked = true;
+        changed.notify_one();
+    });
+    audio(5).join();
+    worker.join();
+    asker.join();
+    EXPECT_EQ(answeredAt, 2500us);
+}
+
+TEST_F(VirtualTimeTest, HeldTimeMovesByWhatItIsToldAndNoFurther) {
+    time.hold();
+    std::thread mover = audio(10);
+    EXPECT_TRUE(time.run(0ms));
+    EXPECT_EQ(time.now(), 0ms);
+    EXPECT_TRUE(time.run(2500us));
+    EXPECT_EQ(time.now(), 2500us);
+    EXPECT_TRUE(time.run(1ms));
+    EXPECT_EQ(time.now(), 3500us);
+    time.release();
+    mover.join();
+    EXPECT_EQ(time.now(), 10ms);
+}
+
+TEST_F(VirtualTimeTest, ReleaseEndsEverySleep) {
+    std::thread sleeper([&] {
+        awaitMark();
+        time.sleepFor(24h);
+    });
+    audio(3, [&](int period) {
+        if (period == 2) time.release();
+    }).join();
+    sleeper.join();
+    EXPECT_EQ(time.now(), 3ms);
+}
+
+TEST_F(VirtualTimeTest, TheEndOfTheAudioThreadLeavesSleepsToTheMachine) {
+    std::thread sleeper([&] {
+        awaitMark();
+        time.sleepFor(50ms);
+    });
+    audio(1).join();
+    sleeper.join();
+    EXPECT_EQ(time.now(), 1ms);
 }

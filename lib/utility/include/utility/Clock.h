@@ -23,6 +23,10 @@ public:
     // helper. In the machine's time, whatever this clock's is: the other thread works in that.
     virtual void nap(std::chrono::nanoseconds duration);
 
+    // Told by whoever has started a thread, right after: a clock that makes its own time lets the new thread
+    // come to its first wait before its starter goes on, so that every run starts alike.
+    virtual void threadStarted() {}
+
     // poll(2) with a timeout in this clock's time; a negative timeout waits for ever.
     virtual int poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) = 0;
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <pthread.h>
 #include <string>
 #include <thread>
@@ -15,6 +16,9 @@ namespace tvk::ThreadSched {
 // an error in the log and is left unset, and the scheduling is set all the same.
 void setNameAndScheduling(std::thread& thread, const std::string& name, int policyCode, int priority);
 void setNameAndScheduling(const std::string& name, int policyCode, int priority);
+
+// Starts a thread and gives it all of that. Its first instructions run before it has them.
+std::thread start(std::function<void()> body, const std::string& name, int policyCode, int priority, int cpu);
 
 // Binds the thread to one processor, counted from 0; 1024 and more name none.
 void setAffinity(std::thread& thread, int cpu);

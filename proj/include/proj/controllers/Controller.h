@@ -11,6 +11,7 @@
 #include "proj/models/PanelState.h"
 #include "proj/network/ClientObserver.h"
 #include "utility/PriorityMutex.h"
+#include "utility/Signal.h"
 
 class Model;
 
@@ -69,6 +70,9 @@ public:
 
     // True from the first time that test mode was entered.
     bool isTestMode() const;
+
+    // Emitted when a new preset has been given all controls, with the controller's mutex held.
+    nod::signal_type<> replayed;
 
 private:
     using Lock = std::lock_guard<tvk::RecursivePriorityMutex>;

@@ -48,6 +48,10 @@ struct Platform {
     // The clock behind every wait, null for the machine's own. It outlives the run.
     Clock* clock = nullptr;
 
+    // Called after each time that a new preset has been given all controls of the panel, on the thread that
+    // did it.
+    std::function<void()> panelReplayed = [] {};
+
     // Measures the blocks of the audio thread, or null. It outlives the run.
     BlockTimer* blockTimer = nullptr;
 

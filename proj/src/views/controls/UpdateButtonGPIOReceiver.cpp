@@ -40,9 +40,8 @@ UpdateButtonGPIOReceiver::UpdateButtonGPIOReceiver(FrontPanelSignals& signals,
     if (!writeGpio(gpioRoot_ + "/export", kLedLine))
         TVK_WARN("Failed to set up the norvane back panel LED as an output.");
     receiverThread_.start();
-    factoryRestoreThread_ = std::thread([this] { watchForFactoryRestore(); });
-    tvk::ThreadSched::setAffinity(factoryRestoreThread_, 0);
-    tvk::ThreadSched::setNameAndScheduling(factoryRestoreThread_, "factoryRestore", 1, 40);
+    factoryRestoreThread_ =
+        tvk::ThreadSched::start([this] { watchForFactoryRestore(); }, "factoryRestore", 1, 40, 0);
 }
 
 UpdateButtonGPIOReceiver::~UpdateButtonGPIOReceiver() {

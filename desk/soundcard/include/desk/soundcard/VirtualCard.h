@@ -51,9 +51,8 @@ public:
         // Frames of output to hand out; the transport is finished when they have been played.
         std::uint64_t transportFrames = kEndless;
         std::vector<Fault> faults;
-        // Called by the audio thread before the virtual clock moves to the next period, and may block: the
-        // clock stands still until it returns. Empty for nothing to wait for.
-        std::function<void()> beforePeriod;
+        // Called by the audio thread when the transport's last frame has been played. Empty for nobody.
+        std::function<void()> transportEnds;
     };
 
     struct Counters {

@@ -1,23 +1,26 @@
 // A clock whose time is the sound card's: it moves when the audio thread waits for a period that is not there
 // yet, and only while nobody else has work to do.
 //
-// Threads play one of three parts.
-//   - The audio thread moves time: waitUntil, and sleepFor on a thread marked by markAudioThread.
-//   - A driver is a control thread whose doings must fall on exact card times. While any driver is awake time
-//     stands still; it moves on when all of them sleep, up to the earliest deadline. Then that one driver
-//     wakes, and time stands again until it sleeps. Drivers with one deadline wake in the order in which they
-//     fell asleep. So audio thread and drivers take turns, and a run repeats to the bit at any machine speed.
-//   - All others (log, disk) do nothing that the sound depends on. Their sleeps are naps in the machine's
-//   time.
+// The audio thread moves time (waitUntil, or sleepFor on the thread that is marked). Every other thread that
+// sleeps through this clock is a sleeper with a deadline. On its way to its own deadline the audio thread
+// wakes the sleepers one by one, in the order of their deadlines, those with one deadline in the order of
+// their threads' names; after each, and before anything else, it waits until all other threads of the process
+// are at rest. So one thread works at a time, time stands still meanwhile, and a run repeats to the bit at
+// any machine speed.
 //
-// A driver must not wait for another thread other than through this clock: time would never move again. It
-// ends its part (Driver::release) before it joins one.
+// While no audio thread is there, before its first period and after its end, sleeps are the machine's. A
+// sleep that has not ended when the audio thread comes ends in the card's time, counted from where that
+// stands.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <list>
 #include <mutex>
+#include <pthread.h>
+#include <sys/types.h>
 
 namespace tvk::desk {
 
@@ -25,52 +28,67 @@ class VirtualTime {
 public:
     using Nanoseconds = std::chrono::nanoseconds;
 
-    // Makes the constructing thread a driver until release, or its end. Same thread for all three.
-    class Driver {
-    public:
-        explicit Driver(VirtualTime& time);
-        ~Driver() { release(); }
-        Driver(const Driver&) = delete;
-        Driver& operator=(const Driver&) = delete;
-        void release();
-
-    private:
-        VirtualTime* time_;
-    };
-
     // Time since the clock's start. Any thread.
     Nanoseconds now() const;
 
-    // Marks the calling thread, for good, as the one whose sleeps move time.
-    static void markAudioThread();
+    // Marks the calling thread, until its end, as the one that moves time.
+    void markAudioThread();
 
-    // Moves time forward to `deadline`, waking drivers on the way. Returns at once if that is past. A driver
-    // that calls this itself counts as asleep. Audio thread.
+    // The marked thread's number, 0 without one. Any thread.
+    pid_t audioThread() const { return audioThread_.load(std::memory_order_relaxed); }
+
+    // How to wait until every other thread of the process is at rest; empty for no wait. Called on the audio
+    // thread, and by runTo on its caller's. Set it before the audio thread is marked.
+    void setAwaitRest(std::function<void()> awaitRest) { awaitRest_ = std::move(awaitRest); }
+
+    // Moves time forward to `deadline`, waking sleepers on the way. Returns at once if that is past. One
+    // thread.
     void waitUntil(Nanoseconds deadline);
 
-    // Sleeps according to the caller's part. Any thread.
+    // Sleeps; on the marked thread, moves time. Any thread.
     void sleepFor(Nanoseconds duration);
 
-    // True on a driver's thread.
-    bool callerIsDriver() const;
+    // Time stands still from here on: the audio thread waits in its next waitUntil. Any thread.
+    void hold();
 
-    // Back to time zero. No thread may be waiting.
+    // Lets held time move on by `duration` and holds it again there; returns when it stands there and all
+    // others are at rest, false when release came first. One caller at a time, not a sleeper.
+    bool run(Nanoseconds duration);
+
+    // The card's time has done its duty: sleeps end at once, those to come are the machine's, and nothing is
+    // held or waited for any more. Any thread.
+    void release();
+
+    // Back to the start. No thread may be waiting.
     void reset();
 
 private:
     struct Sleeper {
         Nanoseconds deadline;
+        pthread_t thread;
         bool isAwake = false;
         std::condition_variable wake;
     };
+    class Mark;
 
-    void sleepAsDriver(Nanoseconds duration);
+    bool isMachineTime() const { return isReleased_ || audioThread() == 0; }
+    void rest(std::unique_lock<std::mutex>& lock);
+    void holdAtLimit(std::unique_lock<std::mutex>& lock);
+    std::list<Sleeper*>::iterator firstSleeper();
+    void wake(std::list<Sleeper*>::iterator sleeper, std::unique_lock<std::mutex>& lock);
+    void sleep(Nanoseconds duration);
+    void endOfAudioThread();
 
+    std::function<void()> awaitRest_;
     mutable std::mutex mutex_;
-    std::condition_variable mayMove_;
+    std::condition_variable changed_;  // hold, release, and who came to wait or to wake
     Nanoseconds now_{0};
-    int awakeDrivers_ = 0;
-    std::list<Sleeper*> sleepers_;  // in the order of falling asleep; few
+    Nanoseconds limit_ = Nanoseconds::max();
+    std::atomic<pid_t> audioThread_{0};
+    bool isReleased_ = false;
+    bool isHeld_ = false;  // the audio thread stands at the limit
+    int waking_ = 0;       // sleepers told to wake that have not taken notice yet
+    std::list<Sleeper*> sleepers_;
 };
 
 }  // namespace tvk::desk

@@ -1,0 +1,53 @@
+// Are all other threads of this process waiting: for a clock, for a lock, or for data that has not come?
+//
+// The kernel is asked: /proc/self/task/*/syscall names the call that a thread is blocked in. A thread that
+// runs, wants to run, or is blocked in anything else (a disk, say) is at work. Two looks, the second in the
+// opposite order, must agree, lest one thread wakes another behind the look's back and falls asleep before
+// it.
+//
+// Linux from 2.6.27 on, with CONFIG_HAVE_ARCH_TRACEHOOK, as all of Debian's kernels have it.
+#pragma once
+
+#include <chrono>
+#include <sys/types.h>
+#include <vector>
+
+namespace tvk::desk {
+
+class Quiescence {
+public:
+    Quiescence() = default;
+    ~Quiescence();
+    Quiescence(const Quiescence&) = delete;
+    Quiescence& operator=(const Quiescence&) = delete;
+
+    // A thread that asks and is not asked about; the caller of await is one in any case. Any thread.
+    void leaveOut(pid_t thread) { leftOut_ = thread; }
+
+    // Looks until all are at rest. One thread at a time. Throws std::runtime_error where the kernel does not
+    // tell.
+    void await();
+
+    // The same, until it takes too long; false then.
+    bool await(std::chrono::nanoseconds atMost);
+
+private:
+    struct Task {
+        pid_t id;
+        int file;  // its "syscall"
+    };
+    enum class State { Waiting, AtWork, Gone };
+
+    bool isQuiet();
+    bool isUpToDate() const;
+    void listTasks();
+    void closeAll();
+    bool allWait();
+    static State stateOf(const Task& task);
+
+    std::vector<Task> tasks_;
+    unsigned long links_ = 0;  // of /proc/self/task, two more than there are threads
+    pid_t leftOut_ = 0;
+};
+
+}  // namespace tvk::desk

@@ -1,0 +1,124 @@
+#include "desk/soundcard/Quiescence.h"
+
+#include <algorithm>
+#include <charconv>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <stdexcept>
+#include <string>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace tvk::desk {
+
+namespace {
+
+constexpr const char* kTasks = "/proc/self/task";
+// Between looks, so that a thread of lower real-time priority on the same processor comes to its work. Not in
+// a call that counts as waiting: who awaits rest is not at rest.
+void pauseBetweenLooks() {
+    constexpr timespec kPause{0, 5000};
+    sigset_t none;
+    sigemptyset(&none);
+    sigtimedwait(&none, nullptr, &kPause);
+}
+
+// What a thread may be blocked in while it waits. Disk calls are not among them.
+constexpr long kWaits[] = {
+    SYS_futex,         SYS_ppoll,  SYS_pselect6,   SYS_epoll_pwait,     SYS_nanosleep, SYS_clock_nanosleep,
+    SYS_rt_sigsuspend, SYS_accept, SYS_accept4,    SYS_restart_syscall,
+#ifdef SYS_poll
+    SYS_poll,          SYS_select, SYS_epoll_wait, SYS_pause,
+#endif
+};
+
+unsigned long linksOfTasks() {
+    struct stat status {};
+    return stat(kTasks, &status) == 0 ? status.st_nlink : 0;
+}
+
+pid_t thisThread() {
+    return static_cast<pid_t>(syscall(SYS_gettid));
+}
+
+}  // namespace
+
+Quiescence::~Quiescence() {
+    closeAll();
+}
+
+void Quiescence::closeAll() {
+    for (const Task& task : tasks_)
+        close(task.file);
+    tasks_.clear();
+}
+
+void Quiescence::await() {
+    while (!isQuiet())
+        pauseBetweenLooks();
+}
+
+bool Quiescence::await(std::chrono::nanoseconds atMost) {
+    const auto end = std::chrono::steady_clock::now() + atMost;
+    while (!isQuiet()) {
+        if (std::chrono::steady_clock::now() >= end) return false;
+        pauseBetweenLooks();
+    }
+    return true;
+}
+
+bool Quiescence::isQuiet() {
+    if (!isUpToDate()) listTasks();
+    return allWait() && allWait();
+}
+
+bool Quiescence::isUpToDate() const {
+    return !tasks_.empty() && links_ == linksOfTasks();
+}
+
+void Quiescence::listTasks() {
+    closeAll();
+    links_ = linksOfTasks();
+    DIR* const folder = opendir(kTasks);
+    if (!folder) throw std::runtime_error(std::string("cannot list ") + kTasks);
+    while (const dirent* const entry = readdir(folder)) {
+        pid_t id = 0;
+        const char* const end = entry->d_name + std::strlen(entry->d_name);
+        if (std::from_chars(entry->d_name, end, id).ptr != end || id == 0) continue;
+        const std::string path = std::string(kTasks) + "/" + entry->d_name + "/syscall";
+        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (file != -1) tasks_.push_back({id, file});
+    }
+    closedir(folder);
+    if (tasks_.empty()) throw std::runtime_error(std::string(kTasks) + "/*/syscall cannot be read");
+}
+
+// Each call looks in the order opposite to the one before.
+bool Quiescence::allWait() {
+    std::reverse(tasks_.begin(), tasks_.end());
+    const pid_t caller = thisThread();
+    for (const Task& task : tasks_) {
+        if (task.id == caller || task.id == leftOut_) continue;
+        const State state = stateOf(task);
+        if (state == State::Gone) links_ = 0;
+        if (state != State::Waiting) return false;
+    }
+    return true;
+}
+
+Quiescence::State Quiescence::stateOf(const Task& task) {
+    char text[256];
+    const ssize_t length = pread(task.file, text, sizeof text, 0);
+    if (length <= 0) return State::Gone;
+    long call = -1;
+    // "running", or the number of the call and its arguments.
+    if (std::from_chars(text, text + length, call).ec != std::errc()) return State::AtWork;
+    const bool isWait = std::find(std::begin(kWaits), std::end(kWaits), call) != std::end(kWaits);
+    return isWait ? State::Waiting : State::AtWork;
+}
+
+}  // namespace tvk::desk
