@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "utility/AtomicSave.h"
@@ -20,6 +21,12 @@ constexpr mode_t kFolderMode = 0755;
 // Errors of a path that leads nowhere.
 bool isAbsence(int error) {
     return error == ENOENT || error == ENOTDIR;
+}
+
+// The parent of "folder/" is what holds "folder".
+std::string withoutLastSlash(std::string path) {
+    if (path.ends_with('/')) path.pop_back();
+    return path;
 }
 
 Storage::Load readText(OsFiles& files, int descriptor, std::string& text) {
@@ -71,7 +78,8 @@ bool Storage::save(const std::string& path, std::string_view bytes, Ticket ticke
 void Storage::remove(const std::string& path) {
     const std::string place = ProductPaths::resolve(path);
     const std::lock_guard lock(mutex_);
-    if (removeLocked(place)) syncFolderOf(place, files_);
+    if (removeLocked(place) && !syncFolderOf(place, files_))
+        TVK_THROW("Can't sync the folder of '%s'", place.c_str());
 }
 
 bool Storage::removeLocked(const std::string& place) {
@@ -88,18 +96,20 @@ bool Storage::removeLocked(const std::string& place) {
 void Storage::wipe(const std::vector<std::string>& files, const std::string& folder) {
     const std::lock_guard lock(mutex_);
     wiped_ = ticket();
+    std::string deleted;
     for (const std::string& path : files)
-        removeLocked(ProductPaths::resolve(path));
+        if (removeLocked(ProductPaths::resolve(path))) deleted = ProductPaths::resolve(path);
     const std::string place = ProductPaths::resolve(folder);
-    for (const std::string& name : listFolder(folder))
+    const std::vector<std::string> names = listFolder(folder);
+    for (const std::string& name : names)
         removeLocked(place + name);
-    bool isDurable = files.empty() || syncFolderOf(ProductPaths::resolve(files.front()), files_);
-    if (Directory(files_).exists(place)) isDurable = syncFolderOf(place, files_) && isDurable;
+    const bool isDurable =
+        (deleted.empty() || syncFolderOf(deleted, files_)) && (names.empty() || syncFolderOf(place, files_));
     if (!isDurable) TVK_THROW("Can't sync the folders of what was deleted");
 }
 
 bool Storage::makeFolder(const std::string& path) {
-    const std::string place = ProductPaths::resolve(path);
+    const std::string place = withoutLastSlash(ProductPaths::resolve(path));
     const std::lock_guard lock(mutex_);
     if (OsFiles::resumed([&] { return files_.makeDirectory(place.c_str(), kFolderMode); }) != 0)
         return errno == EEXIST;
@@ -116,9 +126,13 @@ bool Storage::isFile(const std::string& path) const {
 
 std::vector<std::string> Storage::listFolder(const std::string& path) const {
     const std::string place = ProductPaths::resolve(path);
-    const Directory directory(files_);
-    if (!directory.exists(place)) return {};
-    return directory.listFiles(place);
+    std::vector<std::string> names;
+    if (OsFiles::resumed([&] { return files_.list(place.c_str(), names); }) != 0) {
+        if (isAbsence(errno)) return {};
+        TVK_THROW("Can't open directory '%s': %s", place.c_str(), std::strerror(errno));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 }  // namespace tvk

@@ -20,7 +20,8 @@ namespace tvk {
 // not followed.
 bool atomicSave(const std::string& path, std::string_view text, OsFiles& files = OsFiles::machine());
 
-// Makes the names in the folder that holds path durable. False, with a warning, when it cannot.
+// Makes the names in the folder that holds path durable; of "folder/" those in folder. False, with a warning,
+// when it cannot.
 bool syncFolderOf(const std::string& path, OsFiles& files = OsFiles::machine());
 
 }  // namespace tvk
