@@ -7,7 +7,7 @@
 #include "core/comm/UartComm.h"
 #include "support/LogRecorder.h"
 #include "support/PtyPair.h"
-#include "support/SteppedClock.h"
+#include "support/HeldClock.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -94,7 +94,7 @@ TEST(UartCommTest, AWriteThatFindsNoRoomEndsAfterAHundredTries) {
     PtyPair pty;
     UartComm uart(pty.path());
     LogRecorder log;
-    SteppedClock clock;
+    HeldClock clock;
     while (uart.write(Bytes(128, 0xAA))) {
     }
     EXPECT_EQ(log.count("Error excessive uart iterations"), 1);
