@@ -1,5 +1,5 @@
-// The program's objects from the engine to the controller, on the test's sound card, without panels and without
-// a client's device. Their threads wait for the test to move the time. One a process at a time.
+// The program's objects from the engine to the controller, on the test's sound card, without panels and
+// without a client's device. Their threads wait for the test to move the time. One a process at a time.
 #pragma once
 
 #include <chrono>

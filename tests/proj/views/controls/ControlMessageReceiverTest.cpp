@@ -1,5 +1,3 @@
-#include "proj/views/controls/ControlMessageReceiver.h"
-
 #include <atomic>
 #include <bit>
 #include <gtest/gtest.h>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "core/comm/FrameBuilder.h"
+#include "proj/views/controls/ControlMessageReceiver.h"
 #include "support/HeldClock.h"
 #include "support/LogRecorder.h"
 #include "support/PtyPair.h"
@@ -57,9 +56,9 @@ protected:
         sendBytes(VariableType::Int32, name, static_cast<std::uint32_t>(value));
     }
     void sendBytes(VariableType type, const char* name, std::uint32_t bits) {
-        const std::uint8_t bytes[] = {
-            static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
-            static_cast<std::uint8_t>(bits >> 16), static_cast<std::uint8_t>(bits >> 24)};
+        const std::uint8_t bytes[] = {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
+                                      static_cast<std::uint8_t>(bits >> 16),
+                                      static_cast<std::uint8_t>(bits >> 24)};
         pty.deliver(builder.build(type, name, bytes));
     }
     template <typename Value>
@@ -86,15 +85,15 @@ TEST_F(ControlMessageReceiverTest, NothingIsToldBeforeAFrame) {
 
 TEST_F(ControlMessageReceiverTest, EveryKnobReachesItsSignalUnderItsHandlersName) {
     const std::pair<const char*, const char*> knobs[] = {
-        {"PA_0", "CH2_REVERB"}, {"PA_1", "CH2_BASS"},   {"PA_2", "CH2_MIDDLE"},    {"PA_3", "CH2_TREBLE"},
-        {"PA_4", "CH2_VOLUME"}, {"PA_5", "CH1_BASS"},   {"PA_6", "CH1_MIDDLE"},    {"PA_7", "CH1_TREBLE"},
+        {"PA_0", "CH2_REVERB"}, {"PA_1", "CH2_BASS"},      {"PA_2", "CH2_MIDDLE"}, {"PA_3", "CH2_TREBLE"},
+        {"PA_4", "CH2_VOLUME"}, {"PA_5", "CH1_BASS"},      {"PA_6", "CH1_MIDDLE"}, {"PA_7", "CH1_TREBLE"},
         {"PB_0", "CH1_VOLUME"}, {"PC_0", "CH2_INTENSITY"}, {"PC_1", "CH2_SPEED"}};
     int index = 0;
     for (const auto& [pin, handler] : knobs) {
         log.clear();
         EXPECT_EQ(after(pin, 0.25f), Lines{"pot " + std::to_string(index++) + " 0.250000"}) << pin;
-        EXPECT_EQ(log.lines(), Lines{std::string("ControlMessageReceiver: messageHandler_") + handler +
-                                     "(0.250000)"});
+        EXPECT_EQ(log.lines(),
+                  Lines{std::string("ControlMessageReceiver: messageHandler_") + handler + "(0.250000)"});
     }
 }
 
@@ -180,8 +179,8 @@ TEST_F(ControlMessageReceiverTest, TheFootswitchesFollowTheirThresholdsReverbFir
         float value;
         int code;
     };
-    const Case cases[] = {{1.0f, 0}, {0.0f, 3},   {0.671f, 0}, {0.67f, 1},   {0.68f, 0}, {0.391f, 1},
-                          {0.0f, 3}, {0.669f, 1}, {0.39f, 2},  {0.4f, 1},    {0.38f, 2}, {0.6f, 1},
+    const Case cases[] = {{1.0f, 0},   {0.0f, 3},   {0.671f, 0}, {0.67f, 1}, {0.68f, 0}, {0.391f, 1},
+                          {0.0f, 3},   {0.669f, 1}, {0.39f, 2},  {0.4f, 1},  {0.38f, 2}, {0.6f, 1},
                           {0.105f, 3}, {0.106f, 2}, {0.1f, 3},   {1.0f, 0}};
     for (const Case& c : cases)
         EXPECT_EQ(after("PB_1", c.value), codes[c.code]) << c.value;
@@ -249,8 +248,7 @@ TEST_F(ControlMessageReceiverTest, APassWithinAPassOnlyWarns) {
     send("PA_1", 0.5f);
     thread.process();
     EXPECT_EQ(notes.take(), Lines{"pot 1 0.500000"});
-    EXPECT_EQ(log.startingWith("Warn "),
-              Lines{"Warn ControlMessageReceiverThread is already running."});
+    EXPECT_EQ(log.startingWith("Warn "), Lines{"Warn ControlMessageReceiverThread is already running."});
     send("PA_1", 0.6f);
     log.clear();
     thread.process();

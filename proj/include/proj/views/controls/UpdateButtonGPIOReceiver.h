@@ -31,8 +31,10 @@ public:
     // Waits for the button until stopped, or until its file fails. Thread updateButtonRx.
     void receive();
 
-private:
+    // The button is down at 1 and up at 0; a press is told at once. Within an event it only warns.
     void eventHandler(int value);
+
+private:
     void watchForFactoryRestore();
     void restoreFactorySettings();
 
