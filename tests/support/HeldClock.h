@@ -1,5 +1,6 @@
 // A clock in the test's hand: time moves when the thread that made the clock waits or advances it, and
-// everybody else's wait ends when that much time has come. Nobody waits any more after release.
+// everybody else's wait ends when that much time has come. After release they wait no longer than it takes to
+// keep threads that still loop out of each other's way.
 #pragma once
 
 #include <condition_variable>
@@ -40,10 +41,28 @@ public:
         changed_.notify_all();
         changed_.wait(lock, [&] { return now_ >= time || isReleased_; });
         wakeUps_.erase(mine);
+        if (now_ >= time) return;
+        lock.unlock();
+        nap(kReleasedWait);
     }
 
+    // The same for the one thread that has to have seen all the time there is before more of it comes: a
+    // sound card's.
+    void keepPaceUntil(std::chrono::nanoseconds time) {
+        {
+            const std::lock_guard lock(mutex_);
+            paceWakeUp_ = time;
+            changed_.notify_all();
+        }
+        waitUntil(time);
+    }
+
+    // There is going to be such a thread, and time stands until it waits.
+    void awaitPace() { paceWakeUp_ = std::chrono::nanoseconds(0); }
+
     void advance(std::chrono::nanoseconds duration) {
-        const std::lock_guard lock(mutex_);
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return paceWakeUp_ > now_ || isReleased_; });
         now_ += duration;
         changed_.notify_all();
     }
@@ -62,11 +81,11 @@ public:
         now_ = end;
     }
 
-    // A millisecond at a time until it holds; the others' work in between takes the machine's time.
+    // A step at a time until it holds; the others' work in between takes the machine's time.
     template <typename Condition>
-    void advanceUntil(Condition holds) {
+    void advanceUntil(Condition holds, std::chrono::milliseconds step = std::chrono::milliseconds(1)) {
         while (!holds()) {
-            advance(std::chrono::milliseconds(1));
+            advance(step);
             std::this_thread::yield();
         }
     }
@@ -78,10 +97,13 @@ public:
     }
 
 private:
+    static constexpr std::chrono::milliseconds kReleasedWait{1};
+
     const std::thread::id owner_ = std::this_thread::get_id();
     std::mutex mutex_;
     std::condition_variable changed_;
     std::chrono::nanoseconds now_{0};
+    std::chrono::nanoseconds paceWakeUp_ = std::chrono::nanoseconds::max();
     std::multiset<std::chrono::nanoseconds> wakeUps_;
     bool isReleased_ = false;
 };

@@ -37,7 +37,8 @@ public:
             {"isFactory": false, "irName": "c", "isDirty": false, "hpf": 50, "lpf": 7000, "level": -3}]})");
         for (const char* const name : {"a", "b", "c"})
             write(std::string("user/userIRs/") + name + ".wav", "no sound");
-        scope.card.beforePeriod = [this] { clock.waitUntil(periodTime_ * ++periods_); };
+        scope.card.beforePeriod = [this] { clock.keepPaceUntil(periodTime_ * ++periods_); };
+        clock.awaitPace();
         platform.homeRoot = folder.path() / "home";
         platform.userData = folder.path() / "user";
         model.emplace(platform);
