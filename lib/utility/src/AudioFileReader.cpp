@@ -8,6 +8,7 @@
 
 #include "audiofile/AiffFile.h"
 #include "audiofile/WavFile.h"
+#include "utility/Exception.h"
 #include "utility/Log.h"
 #include "utility/ProductPaths.h"
 
@@ -49,6 +50,7 @@ AudioFileReader::AudioFileReader(int systemSampleRateHz, int maxChannels, tvk::O
 bool AudioFileReader::load(const std::string& path) {
     loaded_ = false;
     samples_.clear();
+    refusal_.clear();
     tvk::log::debug(kTag, "loading file %s", path.c_str());
     std::vector<unsigned char> bytes;
     if (!readFile(path, bytes)) {
@@ -58,21 +60,25 @@ bool AudioFileReader::load(const std::string& path) {
     const Parser parse = parserFor(bytes);
     if (!parse) {
         tvk::log::debug(kTag, "Audio File Type: Error");
-        return false;
+        return refuse("Audio File Type: Error");
     }
     AudioFile file;
     if (const char* const refusal = parse(ByteCursor(bytes.data(), bytes.size()), file)) {
         TVK_ERROR("%s", refusal);
-        return false;
+        return refuse(refusal);
     }
     if (file.sampleRateHz != systemSampleRate_) {
-        TVK_WARN("File sample rate: %d does not match system sample rate : %d\n", file.sampleRateHz,
-                 systemSampleRate_);
-        return false;
+        const std::string reason =
+            tvk::formatText("File sample rate: %d does not match system sample rate : %d\n", file.sampleRateHz,
+                            systemSampleRate_);
+        TVK_WARN("%s", reason.c_str());
+        return refuse(reason);
     }
     if (static_cast<int>(file.channels.size()) > maxChannels_) {
-        TVK_WARN("Not able to process more than %d channels\n", maxChannels_);
-        return false;
+        const std::string reason =
+            tvk::formatText("Not able to process more than %d channels\n", maxChannels_);
+        TVK_WARN("%s", reason.c_str());
+        return refuse(reason);
     }
     tvk::log::debug(kTag, "File path is : %s \n", path.c_str());
     samples_ = std::move(file.channels);
@@ -84,7 +90,7 @@ bool AudioFileReader::load(const std::string& path) {
 
 // Regular files alone: a pipe or a device has no size to hold it to, and could block the caller. What lies in
 // the user's data is no link either, which could lead to any file of the machine.
-bool AudioFileReader::readFile(const std::string& path, std::vector<unsigned char>& bytes) const {
+bool AudioFileReader::readFile(const std::string& path, std::vector<unsigned char>& bytes) {
     const int flags = O_RDONLY | O_NONBLOCK | (tvk::ProductPaths::isUserData(path) ? O_NOFOLLOW : 0);
     const int descriptor = files_.open(path.c_str(), flags, 0);
     struct stat status {};
@@ -94,8 +100,15 @@ bool AudioFileReader::readFile(const std::string& path, std::vector<unsigned cha
     if (isShort) bytes.resize(static_cast<std::size_t>(status.st_size));
     const bool isRead = isShort && readAll(files_, descriptor, bytes);
     if (descriptor != -1) files_.close(descriptor);
-    if (!isRead) TVK_ERROR("%s", isFile ? kShortRead : kCannotLoad);
-    return isRead;
+    if (isRead) return true;
+    const char* const reason = isFile ? kShortRead : kCannotLoad;
+    TVK_ERROR("%s", reason);
+    return refuse(reason);
+}
+
+bool AudioFileReader::refuse(const std::string& reason) {
+    refusal_ = reason.substr(0, reason.find_last_not_of('\n') + 1);
+    return false;
 }
 
 bool AudioFileReader::isThereAudio() const {

@@ -28,6 +28,9 @@ public:
 
     bool isLoaded() const { return loaded_; }
 
+    // Why the last load failed, as the log has it; empty when it did not.
+    const std::string& getRefusal() const { return refusal_; }
+
     // Of the file loaded last. Without one each is an error in the log and answers 0.
     int getSampleRate() const;  // Hz
     int getBitDepth() const;    // 8, 16, 24 or 32
@@ -38,7 +41,8 @@ public:
     int getSamples(float* dest, int maxCount) const;
 
 private:
-    bool readFile(const std::string& path, std::vector<unsigned char>& bytes) const;
+    bool readFile(const std::string& path, std::vector<unsigned char>& bytes);
+    bool refuse(const std::string& reason);
     bool isThereAudio() const;
 
     tvk::OsFiles& files_;
@@ -48,4 +52,5 @@ private:
     int bitDepth_ = 0;
     const int maxChannels_;
     bool loaded_ = false;
+    std::string refusal_;
 };
