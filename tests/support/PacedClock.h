@@ -55,6 +55,10 @@ public:
         now_ = end;
     }
 
+    // Another thread that sleeps by this clock is about to start, or is about to end.
+    void enter() { changeThreads(1); }
+    void leave() { changeThreads(-1); }
+
     // From here on nobody waits, so that the threads can end.
     void release() {
         const std::lock_guard lock(mutex_);
@@ -63,7 +67,13 @@ public:
     }
 
 private:
-    const std::size_t threads_;
+    void changeThreads(int change) {
+        const std::lock_guard lock(mutex_);
+        threads_ += static_cast<std::size_t>(change);
+        changed_.notify_all();
+    }
+
+    std::size_t threads_;
     std::mutex mutex_;
     std::condition_variable changed_;
     Nanoseconds now_{std::chrono::hours(1)};

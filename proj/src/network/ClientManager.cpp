@@ -86,17 +86,19 @@ bool ClientManager::send(int clientId, const TarvekMessage& message) {
         return false;
     }
     logMessage("Sending", message);
+    waitForRoom();
     return queue(message);
 }
 
 bool ClientManager::broadcast(const TarvekMessage& message) {
     if (!isConnectionOpen(kClientId)) return true;
     logMessage("Broadcasting", message);
-    return queue(message);
+    waitForRoom();
+    // Who has gone meanwhile is not owed a reply, and the next client has not asked.
+    return !isConnectionOpen(kClientId) || queue(message);
 }
 
 bool ClientManager::queue(const TarvekMessage& message) {
-    waitForRoom();
     if (messages_.queueMessage(message)) return true;
     TVK_ERROR_LIMITED(log_, "Failed to send message.");
     return false;
