@@ -27,7 +27,11 @@ public:
 
     void send(const TarvekMessage& message) {
         const std::string text = message.SerializeAsString();
-        const tvk::Bytes bytes(text.begin(), text.end());
+        sendBytes(tvk::Bytes(text.begin(), text.end()));
+    }
+
+    // A message as it goes over the wire, before it is cut into frames.
+    void sendBytes(const tvk::Bytes& bytes) {
         const std::lock_guard lock(mutex_);
         tvk::Bytes frame;
         for (std::size_t i = 0; !(frame = framer_.getFrame(bytes, i)).empty(); ++i)
@@ -53,7 +57,15 @@ public:
     // What has come from the amplifier since the last call.
     std::vector<TarvekMessage> takeReplies() {
         const std::lock_guard lock(mutex_);
+        replyBytes_.clear();
         return std::exchange(replies_, {});
+    }
+
+    // The same as it went over the wire.
+    std::vector<tvk::Bytes> takeReplyBytes() {
+        const std::lock_guard lock(mutex_);
+        replies_.clear();
+        return std::exchange(replyBytes_, {});
     }
 
     tvk::ClientTransport transport() {
@@ -129,6 +141,7 @@ private:
         TarvekMessage message;
         message.ParseFromArray(bytes->data(), static_cast<int>(bytes->size()));
         replies_.push_back(message);
+        replyBytes_.push_back(*bytes);
     }
 
     mutable std::mutex mutex_;
@@ -136,5 +149,6 @@ private:
     tvk::MessageComposer composer_{kFrameSize, kMessageSize, tvk::CompositionMode::Framed};
     std::deque<tvk::Bytes> toAmplifier_;
     std::vector<TarvekMessage> replies_;
+    std::vector<tvk::Bytes> replyBytes_;
     std::size_t sentFrames_ = 0;
 };

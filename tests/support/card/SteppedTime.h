@@ -20,8 +20,7 @@ public:
     std::chrono::nanoseconds now() override { return std::chrono::nanoseconds(now_.load()); }
     void sleepFor(std::chrono::nanoseconds duration) override {
         const long long end = now_.fetch_add(duration.count()) + duration.count();
-        granted_.store(end / kPeriodNs);
-        granted_.notify_all();
+        grant(static_cast<long>(end / kPeriodNs));
         for (long taken = taken_.load(); taken < end / kPeriodNs && !free_.load(); taken = taken_.load())
             taken_.wait(taken);
     }
@@ -30,12 +29,20 @@ public:
     // From here on the card never waits, so that the audio thread can end.
     void release() {
         free_.store(true);
-        granted_.store(granted_.load() + 1);
+        granted_.fetch_add(1);
         granted_.notify_all();
     }
 
 private:
     static constexpr long long kPeriodNs = 725624;
+
+    // Never less than another thread has granted.
+    void grant(long periods) {
+        long granted = granted_.load();
+        while (granted < periods && !granted_.compare_exchange_weak(granted, periods)) {
+        }
+        granted_.notify_all();
+    }
 
     void awaitPeriod() {
         const long wanted = taken_.load() + 1;
