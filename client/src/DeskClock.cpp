@@ -49,10 +49,10 @@ bool DeskClock::receive(Link& link, Report& report, std::chrono::milliseconds li
 void DeskClock::runStep() {
     const std::string answer = ask(kRunStep);
     if (answer.starts_with(kError)) fail("says \"" + escaped(answer.substr(kError.size())) + "\"");
+    const std::string number = answer.starts_with(kAt) ? answer.substr(kAt.size()) : std::string();
     char* end = nullptr;
-    const double seconds =
-        answer.starts_with(kAt) ? std::strtod(answer.c_str() + kAt.size(), &end) : std::nan("");
-    const bool isTime = end && *end == '\0' && seconds >= 0.0 && seconds < kLatestSeconds;
+    const double seconds = std::strtod(number.c_str(), &end);
+    const bool isTime = !number.empty() && *end == '\0' && seconds >= 0.0 && seconds < kLatestSeconds;
     if (!isTime) fail("answers \"" + escaped(answer.substr(0, 80)) + "\", which is no time");
     const std::chrono::nanoseconds reached(std::llround(seconds * 1e9));
     if (!origin_) origin_ = reached - kStep;

@@ -120,7 +120,7 @@ void Session::exchangeUntilAnswered(const ProgressHandler& progress) {
     while (unsent > 0 || !open_.empty()) {
         if (clock_.now() >= end) throwTimeOut(unsent == 0);
         const std::size_t unanswered = open_.size();
-        step(end - clock_.now());
+        step(open_.empty() ? Nanoseconds(kRoomWait) : end - clock_.now());
         if (open_.size() < unanswered) end = clock_.now() + kAnswerLimit;
         // Once it has been empty, heartbeats alone go through the outbox.
         if (unsent == 0 || outbox_.size() >= unsent) continue;

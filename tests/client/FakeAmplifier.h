@@ -9,6 +9,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <vector>
@@ -27,24 +28,32 @@ public:
     using Messages = std::vector<TarvekMessage>;
     using Nanoseconds = std::chrono::nanoseconds;
 
-    FakeAmplifier() {
-        int ends[2];
-        if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends) != 0)
-            throw std::runtime_error("socketpair");
-        socket_ = ends[0];
-        link_ = std::make_unique<tvk::client::SocketLink>(tvk::client::Descriptor(ends[1]), "fake");
-    }
+    FakeAmplifier() : link_(newLink()) {}
     ~FakeAmplifier() { hangUp(); }
     FakeAmplifier(const FakeAmplifier&) = delete;
     FakeAmplifier& operator=(const FakeAmplifier&) = delete;
 
-    std::unique_ptr<tvk::client::Link> takeLink() { return std::move(link_); }
+    // A host program comes, in place of the one before.
+    std::unique_ptr<tvk::client::Link> newLink() {
+        int ends[2];
+        if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends) != 0)
+            throw std::runtime_error("socketpair");
+        hangUp();
+        socket_ = ends[0];
+        return std::make_unique<tvk::client::SocketLink>(tvk::client::Descriptor(ends[1]), "fake");
+    }
     tvk::client::Link& link() { return *link_; }
 
     // What is said to a message on an open connection.
     std::function<Messages(const TarvekMessage& request)> answer = [](const TarvekMessage&) {
         return Messages();
     };
+
+    // What is said when a heartbeat comes.
+    Messages onHeartbeat;
+
+    // When the connection ends without anybody's doing, as by a restart.
+    std::optional<Nanoseconds> lapseAt;
 
     void say(const TarvekMessage& message) {
         const tvk::OwnedBytes bytes = encoder_.encode(&message);
@@ -76,6 +85,10 @@ public:
         now_ += std::chrono::milliseconds(1);
         if (isUnplugged_ || socket_ == -1) return;
         if (isOpen && now_ - lastHeard_ > std::chrono::seconds(5)) isOpen = false;
+        if (lapseAt && now_ >= *lapseAt) {
+            isOpen = false;
+            lapseAt.reset();
+        }
         tvk::Bytes report(65);
         const ssize_t size = recv(socket_, report.data(), report.size(), 0);
         if (size > 0) hear(report, static_cast<std::size_t>(size));
@@ -122,13 +135,14 @@ private:
             connection.mutable_connectionerror()->set_errorenum(isRequest ? 1 : 2);
             say(reply);
         } else {
-            for (const TarvekMessage& each : answer(message))
+            const bool isHeartbeat = message.connectionmessage().has_connectionheartbeat();
+            for (const TarvekMessage& each : isHeartbeat ? onHeartbeat : answer(message))
                 say(each);
         }
     }
 
     int socket_ = -1;
-    std::unique_ptr<tvk::client::SocketLink> link_;
+    std::unique_ptr<tvk::client::Link> link_;
     tvk::PbEncoder<TarvekMessage> encoder_{32768};
     tvk::PbDecoder<TarvekMessage> decoder_{32768};
     tvk::MessageFramer framer_{63, 32768, tvk::CompositionMode::Framed};

@@ -17,6 +17,7 @@ CHECKS = (
     ("cabinets.py", "--check"),
     ("guitars.py", "--check"),
     ("panel_frames.py", "--check"),
+    ("client_frames.py", "--check"),
     ("level_plan.py",),
 )
 

@@ -4,6 +4,7 @@
 
 #include "Grammar.h"
 #include "client/ClientError.h"
+#include "utility/EscapedText.h"
 
 namespace tvk::client {
 
@@ -25,6 +26,15 @@ std::string oneLine(std::string text) {
     return text;
 }
 
+// The library looks for what is missing before it looks at what is too much; a word that is no verb is both.
+std::string faultOf(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> strange = app.remaining(true);
+    const bool isVerbMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+    if (isVerbMissing && !strange.empty())
+        return "\"" + escaped(strange.front()) + "\" is not understood here";
+    return escaped(oneLine(error.what()));
+}
+
 // Of the innermost verb that the words name.
 std::string helpOf(const CLI::App& app) {
     const CLI::App* verb = &app;
@@ -40,14 +50,15 @@ std::variant<Command, HelpText> parse(std::vector<std::string> args, bool isLine
     Command command;
     CLI::App app{kAbout, "tarvek-client"};
     app.footer(kFooter);
-    Grammar(app, command, isLine).build();
+    Grammar grammar(app, command, isLine);
+    grammar.build();
     std::ranges::reverse(args);
     try {
         app.parse(args);
     } catch (const CLI::CallForHelp&) {
         return HelpText{helpOf(app)};
     } catch (const CLI::ParseError& error) {
-        throw ClientError(Failure::BadUse, oneLine(error.what()) + "; --help tells how it is used");
+        throw ClientError(Failure::BadUse, faultOf(app, error) + "; --help tells how it is used");
     }
     return command;
 }

@@ -10,10 +10,12 @@ namespace tvk::client {
 
 // Builds the verbs into an app. When the app has parsed, command.play is what was asked for.
 //
-// command: filled while parsing; outlives the app. isLine: of a run, without the link's options.
+// command: filled while parsing. isLine: of a run, without the link's options. All outlive the parsing.
 class Grammar {
 public:
     Grammar(CLI::App& app, Command& command, bool isLine) : app_(app), command_(command), isLine_(isLine) {}
+    Grammar(const Grammar&) = delete;
+    Grammar& operator=(const Grammar&) = delete;
 
     void build();
 
