@@ -15,14 +15,12 @@ MessageHandler::MessageHandler(ClientManager& clients, SystemInfoModel& systemIn
       settings_(settings),
       storage_(storage) {}
 
-void MessageHandler::warn(const std::string& text, Place place) {
-    log_.diagnostic(log::Severity::Warn, place.file_name(), static_cast<int>(place.line()), "%s",
-                    text.c_str());
+void MessageHandler::warn(const std::string& text, const char* file, int line) {
+    log_.diagnostic(log::Severity::Warn, file, line, "%s", text.c_str());
 }
 
-void MessageHandler::reply(const TarvekMessage& message, const char* failure, Place place) {
-    if (clients_.broadcast(message)) return;
-    log_.diagnostic(log::Severity::Error, place.file_name(), static_cast<int>(place.line()), "%s", failure);
+void MessageHandler::reply(const TarvekMessage& message, const char* failure, const char* file, int line) {
+    if (!clients_.broadcast(message)) log_.diagnostic(log::Severity::Error, file, line, "%s", failure);
 }
 
 }  // namespace tvk
