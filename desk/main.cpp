@@ -7,24 +7,28 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/personality.h>
 #include <unistd.h>
 #include <utility>
 
 #include "core/ProductProfile/ProductProfile.h"
 #include "desk/BlockStatistics.h"
+#include "desk/ClockDoor.h"
 #include "desk/DeskClock.h"
 #include "desk/DeskSession.h"
+#include "desk/Endpoints.h"
 #include "desk/JobStatistics.h"
 #include "desk/Options.h"
 #include "desk/OutputWriter.h"
+#include "desk/Peers.h"
 #include "desk/ProductRoot.h"
 #include "desk/Refusal.h"
 #include "desk/soundcard/Quiescence.h"
 #include "desk/soundcard/VirtualCard.h"
 #include "proj/runner/Runner.h"
 #include "utility/BackgroundJobs.h"
+#include "utility/Clock.h"
 #include "utility/Exception.h"
-#include "utility/ProductPaths.h"
 #include "wav/GuitarFile.h"
 
 namespace {
@@ -66,18 +70,6 @@ void refuseUnwritable(const char* option, const std::optional<std::string>& file
     if (!isWritable) throw Refusal(std::string(option) + " " + *file + ": cannot be written");
 }
 
-// Where the amplifier will look for it.
-void refuseMissingCabinet(const std::string& name, const ProductRoot& root) {
-    if (name == "none" || name == "None") return;
-    ProductPaths::set(root.homeRoot.string(), root.userData.string());
-    const bool isPath = !name.empty() && name.front() == '/';
-    const std::string file = ProductPaths::resolve(
-        (isPath ? name : std::string(ProductPaths::kUserData) + "/userIRs/" + name) + ".wav");
-    if (!std::filesystem::is_regular_file(file))
-        throw Refusal("--cabinet " + name + ": there is no " + file +
-                      "; name a response without its .wav, or none");
-}
-
 VirtualCard::Settings cardSettings(const Options& options) {
     VirtualCard::Settings settings;
     settings.clock = options.clock;
@@ -95,7 +87,7 @@ VirtualCard::Settings cardSettings(const Options& options) {
     if (options.seconds)
         settings.transportFrames =
             std::max<std::uint64_t>(static_cast<std::uint64_t>(std::llround(*options.seconds * kRateHz)), 1);
-    else if (!options.loop)
+    else if (options.inFile && !options.loop)
         settings.transportFrames = guitarFrames + kTailFrames;
     return settings;
 }
@@ -107,7 +99,7 @@ int play(const Options& options) {
     VirtualCard::installConfiguration();
     VirtualCard::Settings settings = cardSettings(options);
     const ProductRoot root = ProductRoot::open(options.root);
-    if (options.cabinet) refuseMissingCabinet(*options.cabinet, root);
+    const Endpoints endpoints(options.root);
     const ProductProfile profile((root.homeRoot / "product_profile.json").string());
     settings.sensitiveGainDb = profile.getDreGainDeltaDb();
     VirtualCard& card = VirtualCard::instance();
@@ -117,9 +109,9 @@ int play(const Options& options) {
     const JobStatistics jobs(card);
     OutputWriter writer(card, blocks, jobs, options.outFile, options.reportFile);
 
-    DeskSession session(options, card, writer);
-    DeskClock clock(card.virtualTime());
+    DeskClock deskClock(card.virtualTime());
     const bool isVirtual = options.clock == VirtualCard::ClockMode::Virtual;
+    Clock& clock = isVirtual ? deskClock : Clock::current();
     Quiescence others;
     card.virtualTime().setAwaitRest([&others] {
         // Helpers look for work all the time: theirs is counted. In real time they have a block for a block's
@@ -128,10 +120,25 @@ int play(const Options& options) {
         others.await();
     });
 
+    std::optional<ClockDoor> clockDoor;
+    if (options.isHeld) clockDoor.emplace(endpoints.clock(), card.virtualTime());
+    Peers::Setting setting;
+    if (!options.isPanelExternal) setting.controlProcessor.emplace(options.product, options.knobs);
+    setting.isHostPlugged = options.isHostPlugged;
+    setting.script = options.script;
+    Peers peers(endpoints, clock, std::move(setting));
+    DeskSession session(options, endpoints, peers, card, writer);
+
     Platform platform = productPlatform();
     platform.homeRoot = root.homeRoot;
     platform.userData = root.userData;
-    platform.clock = isVirtual ? &clock : nullptr;
+    platform.uartDevice = peers.uartDevice();
+    platform.hidDevice = endpoints.hidDevice();
+    platform.gpioRoot = endpoints.gpio();
+    platform.buttonPollEvents = POLLIN;
+    platform.runShell = Endpoints::runShell;
+    platform.clock = &clock;
+    platform.panelReplayed = [&session] { session.panelReplayed(); };
     platform.blockTimer = &blocks;
     platform.session = [&](Model& model, StopSignal& stop) {
         struct Release {
@@ -141,6 +148,14 @@ int play(const Options& options) {
         session.run(model, stop);
     };
     return applicationMain(platform);
+}
+
+// Some of the amplifier's log lines show addresses; a run that repeats has the same ones.
+void settleAddresses(char** argv) {
+    const int now = personality(0xffffffff);
+    if (now == -1 || (now & ADDR_NO_RANDOMIZE) != 0) return;
+    if (personality(static_cast<unsigned long>(now) | ADDR_NO_RANDOMIZE) == -1) return;
+    execv("/proc/self/exe", argv);
 }
 
 int refuse(const char* reason) {
@@ -153,7 +168,9 @@ int refuse(const char* reason) {
 int main(int argc, char** argv) {
     try {
         const std::optional<Options> options = Options::parse(argc, argv);
-        return options ? play(*options) : 0;
+        if (!options) return 0;
+        if (options->clock == VirtualCard::ClockMode::Virtual) settleAddresses(argv);
+        return play(*options);
     } catch (const std::exception& error) {
         return refuse(error.what());
     }

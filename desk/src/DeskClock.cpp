@@ -13,6 +13,11 @@ constexpr std::chrono::milliseconds kLongestStart{200};
 
 }  // namespace
 
+void DeskClock::nap(std::chrono::nanoseconds duration) {
+    const Quiescence::Nap asleep;
+    Clock::nap(duration);
+}
+
 void DeskClock::threadStarted() {
     Quiescence others;
     others.leaveOut(time_.audioThread());

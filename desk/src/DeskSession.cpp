@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <unistd.h>
 
 #include "proj/models/Model.h"
 #include "proj/platform/StopSignal.h"
@@ -14,27 +13,37 @@ namespace {
 
 // How long a stop may go unseen.
 constexpr std::chrono::milliseconds kLook{10};
-// As loud as without a cabinet; a preset's own -12 dB is for those that are uploaded.
-constexpr float kCabinetLevelDb = 0.0f;
 
 }  // namespace
 
 void DeskSession::run(Model& model, StopSignal& stop) {
-    const bool isVirtual = options_.clock == VirtualCard::ClockMode::Virtual;
-    std::printf("ready root=%s slot=%s clock=%s pid=%d\n", options_.root.c_str(),
-                options_.slot ? std::to_string(*options_.slot).c_str() : "none",
-                isVirtual ? "virtual" : "real", static_cast<int>(getpid()));
-    if (options_.slot) model.setAudioProcessingPreset(*options_.slot);
-    turnKnobs(options_.knobs, model);
-    model.setCabsimLevel(kCabinetLevelDb);
-    model.setCabsim(options_.cabinet.value_or(demonstrationCabinet()));
-
     writer_.start([&model] { return model.getXrunCount(); });
-    card_.beginTransport();
+    if (options_.isHeld && options_.isPanelExternal) card_.virtualTime().hold();
+    printReady();
+    const bool isPanelSilent = !options_.isPanelExternal && !options_.product;
+    if (isPanelSilent) start();
+    // In the machine's time: a signal is to be seen also while the card's time stands.
     while (!card_.transportFinished() && !stop.arrived() && !writer_.hasFailed())
         Clock::current().nap(kLook);
     card_.endTransport();
     writer_.finish();
+}
+
+void DeskSession::start() {
+    if (hasStarted_.exchange(true)) return;
+    card_.beginTransport();
+    peers_.startScript();
+    if (options_.isHeld && !options_.isPanelExternal) card_.virtualTime().hold();
+}
+
+void DeskSession::printReady() const {
+    const bool isVirtual = options_.clock == VirtualCard::ClockMode::Virtual;
+    std::printf("ready root=%s product=%s clock-mode=%s uart=%s hid=%s button=%s", options_.root.c_str(),
+                options_.product ? std::to_string(*options_.product).c_str() : "none",
+                isVirtual ? "virtual" : "real", endpoints_.uart().c_str(), endpoints_.hid().c_str(),
+                endpoints_.button().c_str());
+    if (options_.isHeld) std::printf(" clock=%s", endpoints_.clock().c_str());
+    std::printf("\n");
 }
 
 }  // namespace tvk::desk

@@ -45,9 +45,9 @@ TEST_F(Refusal, GuitarAtAnotherRate) {
     expectRefused({"--in", file}, "48000");
 }
 
-TEST_F(Refusal, PinsThatNeedThePanel) {
-    for (const std::string pin : {"PB_1", "PB2_AND_PB10", "PC_10", "PF0_AND_PF1"})
-        expectRefused({"--knob", pin + "=0"}, pin);
+TEST_F(Refusal, StrapsThatHaveAnOptionOfTheirOwn) {
+    expectRefused({"--knob", "PF0_AND_PF1=0"}, "--product");
+    expectRefused({"--product", "0", "--slot", "2"}, "--product");
 }
 
 TEST_F(Refusal, KnobsThatMakeNoSense) {
@@ -57,7 +57,7 @@ TEST_F(Refusal, KnobsThatMakeNoSense) {
     expectRefused({"--knob", "PB_0=nan"}, "nan");
     expectRefused({"--knob", "PB_0=1.01"}, "between 0 and 1");
     expectRefused({"--knob", "PB_0=-0.01"}, "between 0 and 1");
-    expectRefused({"--knob", "PF_4=0.5"}, "0 or 1");
+    expectRefused({"--knob", "PF_4=0.5"}, "whole number");
 }
 
 TEST_F(Refusal, ValuesOutsideTheirOptions) {
@@ -67,6 +67,8 @@ TEST_F(Refusal, ValuesOutsideTheirOptions) {
     expectRefused({"--seconds", "0"}, "--seconds");
     expectRefused({"--seconds", "soon"}, "--seconds");
     expectRefused({"--fault", "fire@3"}, "fire@3");
+    expectRefused({"--fault", "hid-unplug@later"}, "hid-unplug@later");
+    expectRefused({"--hold"}, "--clock virtual");
     expectRefused({"--nonsense"}, "--nonsense");
 }
 
@@ -94,17 +96,39 @@ TEST_F(Refusal, RootThatCannotBeMade) {
     EXPECT_THAT(desk.errorLines(), SizeIs(1));
 }
 
-TEST_F(Refusal, ACabinetThatIsNotThere) {
-    expectRefused({"--cabinet", "/home/root/factoryIRs/Nowhere"}, "Nowhere.wav");
-    expectRefused({"--cabinet", "Mine"}, "userIRs/Mine.wav");
+TEST_F(Refusal, ScriptsByFileAndLine) {
+    const auto refuseLine = [&](const std::string& line, const std::string& reason) {
+        std::ofstream(folder() / "evening.txt") << "# comment\n\n0.5 PA_4 0.25\n" << line << "\n";
+        expectRefused({"--script", folder() / "evening.txt"}, "evening.txt:4: " + reason);
+    };
+    refuseLine("PA_4 0.5", "'PA_4' is not a time");
+    refuseLine("-1 PA_4 0.5", "'-1' is not a time");
+    refuseLine("1", "say what happens");
+    refuseLine("1 PA_4", "PA_4 takes one value");
+    refuseLine("1 PA_4 1.5", "a knob's value lies between 0 and 1");
+    refuseLine("1 PX_4 0.5", "no such pin");
+    refuseLine("1 PB2_AND_PB10 0.5", "'0.5' is not a whole number");
+    refuseLine("1 button 2", "a button is 1 (down) or 0 (up)");
+    refuseLine("1 hid 0g", "'0g' is not a byte");
+    refuseLine("1 hid 012", "a report is 1 to 64 bytes, two hexadecimal digits each");
+    refuseLine("1 hid " + std::string(130, '0'), "a report is 1 to 64 bytes");
+    refuseLine("1 plug in", "plug takes no value");
+    expectRefused({"--script", folder() / "nothing.txt"}, "nothing.txt: cannot be read");
+}
+
+TEST_F(Refusal, ARootThatAnotherDeskUses) {
+    DeskProcess first(folder(), {"--root", folder() / "root", "--clock", "virtual", "--hold"});
+    ASSERT_TRUE(first.waitForLine("ready root="));
+    expectRefused({}, "another tarvek-desk");
 }
 
 TEST_F(Refusal, HelpTellsEveryOptionWithAnExample) {
     DeskProcess desk(folder(), {"--help"});
     EXPECT_EQ(desk.wait(), 0);
     EXPECT_THAT(desk.errorLines(), IsEmpty());
-    for (const char* option : {"--help", "--in", "--loop", "--out", "--seconds", "--slot", "--knob", "--root",
-                               "--clock", "--report", "--fault", "--cabinet"}) {
+    for (const char* option :
+         {"--help", "--in", "--loop", "--out", "--seconds", "--product", "--slot", "--knob", "--script",
+          "--external-panel", "--no-host", "--hold", "--root", "--clock", "--report", "--fault"}) {
         const auto lines = desk.outputLines();
         const bool isTold = std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
             return line.find(option) < 8 && line.find(std::string("Example: ") + option) != std::string::npos;

@@ -14,6 +14,8 @@ public:
     std::chrono::nanoseconds now() override { return time_.now(); }
     void sleepFor(std::chrono::nanoseconds duration) override { time_.sleepFor(duration); }
 
+    void nap(std::chrono::nanoseconds duration) override;
+
     void threadStarted() override;
 
     // With a limit, looks at the descriptors every millisecond of the card's time; without, waits for the

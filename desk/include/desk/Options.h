@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "desk/PanelKnob.h"
+#include "desk/PanelPins.h"
+#include "desk/Script.h"
 #include "desk/soundcard/Fault.h"
 #include "desk/soundcard/VirtualCard.h"
 
@@ -18,10 +19,12 @@ struct Options {
     std::optional<std::string> reportFile;
     bool loop = false;
     std::optional<double> seconds;
-    std::optional<int> slot = 2;  // none loads nothing
-    PanelKnobs knobs = demonstrationKnobs();
-    std::optional<std::string>
-        cabinet;  // as the parameter idCabinet takes it; the demonstration's when not given
+    std::optional<int> product = 0;  // what the panel reports; none for a panel that keeps silent about it
+    PanelPins knobs = demonstrationPins();
+    bool isPanelExternal = false;
+    bool isHostPlugged = true;
+    Script script;
+    bool isHeld = false;
     std::filesystem::path root;
     VirtualCard::ClockMode clock = VirtualCard::ClockMode::Real;
     std::vector<Fault> faults;

@@ -1,9 +1,13 @@
 #include "desk/soundcard/VirtualTime.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
+
+#include "desk/soundcard/Quiescence.h"
 
 namespace tvk::desk {
 
@@ -64,6 +68,7 @@ void VirtualTime::rest(std::unique_lock<std::mutex>& lock) {
 void VirtualTime::waitUntil(Nanoseconds deadline) {
     std::unique_lock lock(mutex_);
     while (now_ < deadline) {
+        if (isReleased_) return passInMachineTime(deadline, lock);
         rest(lock);
         const auto first = firstSleeper();
         const bool isSleeperNext = first != sleepers_.end() && (*first)->deadline <= deadline;
@@ -76,6 +81,15 @@ void VirtualTime::waitUntil(Nanoseconds deadline) {
         if (isSleeperNext) wake(first, lock);
     }
     rest(lock);
+}
+
+// A card that nobody holds back would take the processor from whoever ends the run.
+void VirtualTime::passInMachineTime(Nanoseconds deadline, std::unique_lock<std::mutex>& lock) {
+    const Nanoseconds left = deadline - now_;
+    lock.unlock();
+    std::this_thread::sleep_for(left);
+    lock.lock();
+    now_ = std::max(now_, deadline);
 }
 
 void VirtualTime::holdAtLimit(std::unique_lock<std::mutex>& lock) {
@@ -116,12 +130,15 @@ void VirtualTime::sleep(Nanoseconds duration) {
     sleepers_.push_back(&self);
     const auto machineDeadline = std::chrono::steady_clock::now() + duration;
     const bool wasReleased = isReleased_;
+    // Ends before whoever woke it is told that it has come: from then on its work is seen.
+    std::optional<Quiescence::Nap> asleep(std::in_place);
     while (!self.isAwake && isReleased_ == wasReleased) {
         if (!isMachineTime())
             self.wake.wait(lock);
         else if (self.wake.wait_until(lock, machineDeadline) == std::cv_status::timeout && isMachineTime())
             break;
     }
+    asleep.reset();
     if (self.isAwake) {
         --waking_;
         changed_.notify_all();

@@ -69,8 +69,8 @@ bool AudioFileReader::load(const std::string& path) {
     }
     if (file.sampleRateHz != systemSampleRate_) {
         const std::string reason =
-            tvk::formatText("File sample rate: %d does not match system sample rate : %d\n", file.sampleRateHz,
-                            systemSampleRate_);
+            tvk::formatText("File sample rate: %d does not match system sample rate : %d\n",
+                            file.sampleRateHz, systemSampleRate_);
         TVK_WARN("%s", reason.c_str());
         return refuse(reason);
     }

@@ -43,6 +43,7 @@ void TarvekThread::start() {
     thread_ = std::thread(&TarvekThread::body, this);
     tvk::scheduler::setThreadAffinity(thread_.native_handle(), cpu_);
     tvk::scheduler::setThreadScheduling(thread_.native_handle(), policy_, priority_);
+    isScheduled_.release();
     tvk::Clock::current().threadStarted();
 }
 
@@ -55,6 +56,7 @@ void TarvekThread::join() {
 }
 
 void TarvekThread::body() {
+    isScheduled_.acquire();
     init();
     if (!name_.empty()) pthread_setname_np(pthread_self(), name_.c_str());
     getrusage(RUSAGE_THREAD, &usageStart_);

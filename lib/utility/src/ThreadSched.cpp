@@ -1,6 +1,8 @@
 #include "utility/ThreadSched.h"
 
 #include <cstring>
+#include <latch>
+#include <memory>
 #include <sched.h>
 #include <utility>
 
@@ -54,9 +56,14 @@ void setNameAndScheduling(const std::string& name, int policyCode, int priority)
 
 std::thread start(std::function<void()> body, const std::string& name, int policyCode, int priority,
                   int cpu) {
-    std::thread thread(std::move(body));
+    const auto scheduled = std::make_shared<std::latch>(1);
+    std::thread thread([scheduled, body = std::move(body)] {
+        scheduled->wait();
+        body();
+    });
     setAffinity(thread, cpu);
     setNameAndScheduling(thread, name, policyCode, priority);
+    scheduled->count_down();
     Clock::current().threadStarted();
     return thread;
 }

@@ -4,11 +4,12 @@
 // from it stops and joins in its own destructor, before its members go: by the time ~TarvekThread runs, the
 // hooks are no longer there to be called. Threads start last in their owner's constructor.
 //
-// start, stop and join belong to the owner's thread; init and loop run on the new one. The new thread runs
-// its first instructions under the default scheduling, until start has set processor and priority.
+// start, stop and join belong to the owner's thread; init and loop run on the new one, which waits until start
+// has set processor and priority.
 #pragma once
 
 #include <atomic>
+#include <semaphore>
 #include <string>
 #include <sys/resource.h>
 #include <thread>
@@ -62,4 +63,5 @@ private:
     std::thread thread_;
     std::string name_;
     std::atomic<bool> isRunning_{false};
+    std::binary_semaphore isScheduled_{0};
 };

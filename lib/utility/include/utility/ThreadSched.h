@@ -17,7 +17,7 @@ namespace tvk::ThreadSched {
 void setNameAndScheduling(std::thread& thread, const std::string& name, int policyCode, int priority);
 void setNameAndScheduling(const std::string& name, int policyCode, int priority);
 
-// Starts a thread and gives it all of that. Its first instructions run before it has them.
+// Starts a thread and gives it all of that before its body runs.
 std::thread start(std::function<void()> body, const std::string& name, int policyCode, int priority, int cpu);
 
 // Binds the thread to one processor, counted from 0; 1024 and more name none.

@@ -16,6 +16,16 @@ namespace tvk::desk {
 
 class Quiescence {
 public:
+    // While one exists, its thread counts as waiting, also when its sleep has ended and it has not come to
+    // run yet: for threads that look for work all the time and whose work is counted otherwise.
+    class Nap {
+    public:
+        Nap();
+        ~Nap();
+        Nap(const Nap&) = delete;
+        Nap& operator=(const Nap&) = delete;
+    };
+
     Quiescence() = default;
     ~Quiescence();
     Quiescence(const Quiescence&) = delete;

@@ -55,8 +55,8 @@ public:
     // others are at rest, false when release came first. One caller at a time, not a sleeper.
     bool run(Nanoseconds duration);
 
-    // The card's time has done its duty: sleeps end at once, those to come are the machine's, and nothing is
-    // held or waited for any more. Any thread.
+    // The card's time has done its duty: sleeps end at once, those to come are the machine's, the card's time
+    // goes with it, and nothing is held or waited for any more. Any thread.
     void release();
 
     // Back to the start. No thread may be waiting.
@@ -73,6 +73,7 @@ private:
 
     bool isMachineTime() const { return isReleased_ || audioThread() == 0; }
     void rest(std::unique_lock<std::mutex>& lock);
+    void passInMachineTime(Nanoseconds deadline, std::unique_lock<std::mutex>& lock);
     void holdAtLimit(std::unique_lock<std::mutex>& lock);
     std::list<Sleeper*>::iterator firstSleeper();
     void wake(std::list<Sleeper*>::iterator sleeper, std::unique_lock<std::mutex>& lock);

@@ -1,0 +1,38 @@
+// The serial line between the amplifier and its panel: a simulated control processor, or another program that
+// opens the line, or both.
+//
+// All that the amplifier sends goes to both, and is kept for the program until it reads. What the two send
+// goes to the amplifier as it comes. One thread.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "desk/ControlProcessor.h"
+#include "desk/PseudoTerminal.h"
+
+namespace tvk::desk {
+
+class PanelLine {
+public:
+    // Without a control processor the line is the other program's alone. Throws Refusal when the system has
+    // no terminal left.
+    explicit PanelLine(std::optional<ControlProcessor> simulated) : simulated_(std::move(simulated)) {}
+
+    // What the amplifier opens, and what the other program opens.
+    const std::string& amplifierPath() const { return amplifier_.path(); }
+    const std::string& programPath() const { return program_.path(); }
+
+    // Carries all that has been sent since the last call.
+    void exchange();
+
+    // The simulated control processor, where there is one, reports a control's move.
+    void move(const std::string& pin, float value);
+
+private:
+    std::optional<ControlProcessor> simulated_;
+    PseudoTerminal amplifier_;
+    PseudoTerminal program_;
+};
+
+}  // namespace tvk::desk

@@ -1,0 +1,58 @@
+// What happens at the amplifier's doors in the course of an evening, one event a line:
+//
+//   SECONDS PIN VALUE      a control of the panel moves
+//   SECONDS button 1|0     the back panel's button goes down or up
+//   SECONDS hid HEX        the host sends a report: at most 64 bytes, zeros fill it up
+//   SECONDS unplug         the USB cable is pulled
+//   SECONDS plug           and put back
+//
+// SECONDS count from the guitar's start. Empty lines and what follows a # say nothing.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "desk/PanelPins.h"
+
+namespace tvk::desk {
+
+using HidReport = std::array<std::uint8_t, 64>;
+
+struct ScriptEvent {
+    enum class Kind { Pin, Button, Report, Unplug, Plug };
+    std::chrono::nanoseconds at{0};
+    Kind kind = Kind::Pin;
+    std::string pin;     // of Pin alone
+    float value = 0.0f;  // of Pin and Button
+    HidReport report{};  // of Report alone
+};
+
+// By time; those of one moment in their order.
+class Script {
+public:
+    Script() = default;
+
+    // Throws Refusal with file, line and reason for a line that is none of the above.
+    static Script load(const std::filesystem::path& file);
+
+    // Behind the events of the same moment.
+    void add(const ScriptEvent& event);
+
+    bool hasReports() const;
+
+    // The next event that is due at that time, or null.
+    const ScriptEvent* take(std::chrono::nanoseconds now);
+
+private:
+    std::vector<ScriptEvent> events_;
+    std::size_t next_ = 0;
+};
+
+// "12.5" as time. Throws Refusal, naming what, unless it is a number from 0 to a year.
+std::chrono::nanoseconds readSeconds(const std::string& what, const std::string& text);
+
+}  // namespace tvk::desk

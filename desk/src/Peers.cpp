@@ -1,0 +1,67 @@
+#include "desk/Peers.h"
+
+#include <limits>
+#include <pthread.h>
+#include <utility>
+
+namespace tvk::desk {
+
+namespace {
+
+constexpr std::chrono::milliseconds kTick{1};
+constexpr auto kNotStarted = std::numeric_limits<std::chrono::nanoseconds::rep>::max();
+
+}  // namespace
+
+Peers::Peers(const Endpoints& endpoints, Clock& clock, Setting setting)
+    : endpoints_(endpoints),
+      clock_(clock),
+      script_(std::move(setting.script)),
+      panel_(std::move(setting.controlProcessor)),
+      usb_(endpoints.hidDevice(), endpoints.hid(), script_.hasReports()),
+      scriptStart_(kNotStarted) {
+    std::filesystem::create_symlink(panel_.programPath(), endpoints.uart());
+    if (setting.isHostPlugged) usb_.plug();
+    thread_ = std::thread([this] { run(); });
+    pthread_setname_np(thread_.native_handle(), "DeskPeers");
+}
+
+Peers::~Peers() {
+    isEnding_.store(true, std::memory_order_relaxed);
+    thread_.join();
+}
+
+void Peers::startScript() {
+    scriptStart_.store(clock_.now().count(), std::memory_order_relaxed);
+}
+
+void Peers::run() {
+    while (!isEnding_.load(std::memory_order_relaxed)) {
+        const auto start = scriptStart_.load(std::memory_order_relaxed);
+        if (start != kNotStarted) {
+            const std::chrono::nanoseconds now = clock_.now() - std::chrono::nanoseconds(start);
+            while (const ScriptEvent* const event = script_.take(now))
+                play(*event);
+        }
+        panel_.exchange();
+        usb_.exchange();
+        clock_.sleepFor(kTick);
+    }
+}
+
+void Peers::play(const ScriptEvent& event) {
+    switch (event.kind) {
+        case ScriptEvent::Kind::Pin:
+            return panel_.move(event.pin, event.value);
+        case ScriptEvent::Kind::Button:
+            return endpoints_.press(event.value != 0.0f);
+        case ScriptEvent::Kind::Report:
+            return usb_.send(event.report);
+        case ScriptEvent::Kind::Unplug:
+            return usb_.unplug();
+        case ScriptEvent::Kind::Plug:
+            return usb_.plug();
+    }
+}
+
+}  // namespace tvk::desk

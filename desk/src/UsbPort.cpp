@@ -1,0 +1,107 @@
+#include "desk/UsbPort.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <sys/socket.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "desk/UnixSocket.h"
+
+namespace tvk::desk {
+
+namespace {
+
+constexpr std::size_t kReportBytes = std::tuple_size_v<HidReport>;
+
+}  // namespace
+
+UsbPort::UsbPort(std::filesystem::path device, const std::filesystem::path& socket, bool isHostSimulated)
+    : device_(std::move(device)),
+      isHostSimulated_(isHostSimulated),
+      listener_(listenAt(socket, SOCK_SEQPACKET)) {}
+
+UsbPort::~UsbPort() {
+    dropHost();
+    close(listener_);
+}
+
+void UsbPort::plug() {
+    if (line_) return;
+    line_ = std::make_unique<PseudoTerminal>(static_cast<unsigned char>(kReportBytes));
+    line_->setFlow(isHostSimulated_);
+    toHost_.clear();
+    // As one step, so that the amplifier finds the whole link or none.
+    const std::filesystem::path made = device_.string() + ".new";
+    std::filesystem::create_symlink(line_->path(), made);
+    std::filesystem::rename(made, device_);
+}
+
+void UsbPort::unplug() {
+    std::error_code ignored;
+    std::filesystem::remove(device_, ignored);
+    line_.reset();
+    dropHost();
+}
+
+void UsbPort::exchange() {
+    acceptHost();
+    if (!line_) return;
+    carryToDevice();
+    carryToHost();
+}
+
+void UsbPort::send(const HidReport& report) {
+    if (line_) line_->write(report);
+}
+
+void UsbPort::acceptHost() {
+    const int program = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    if (program == -1) return;
+    if (!line_ || host_ != -1)
+        close(program);
+    else
+        host_ = program;
+}
+
+void UsbPort::dropHost() {
+    if (host_ != -1) close(host_);
+    host_ = -1;
+}
+
+void UsbPort::carryToDevice() {
+    if (host_ == -1) return;
+    std::array<std::uint8_t, kReportBytes + 1> packet{};
+    const ssize_t count = recv(host_, packet.data(), packet.size(), MSG_DONTWAIT);
+    const bool isGone = count == 0 || (count == -1 && errno != EAGAIN && errno != EINTR);
+    if (isGone)
+        dropHost();
+    else if (count == static_cast<ssize_t>(kReportBytes))
+        line_->write(std::span(packet).first(kReportBytes));
+    else if (count > 0)
+        std::fprintf(
+            stderr,
+            "tarvek-desk: a packet that is not 64 bytes long was dropped; send one report a packet\n");
+}
+
+void UsbPort::carryToHost() {
+    const bool isRead = host_ != -1 || isHostSimulated_;
+    line_->setFlow(isRead && toHost_.size() < kReportBytes);
+    if (!isRead) return;
+    if (toHost_.size() < kReportBytes) {
+        const std::vector<std::uint8_t> more = line_->read(kReportBytes - toHost_.size());
+        toHost_.insert(toHost_.end(), more.begin(), more.end());
+    }
+    if (toHost_.size() < kReportBytes) return;
+    if (host_ == -1) {
+        toHost_.clear();
+    } else if (::send(host_, toHost_.data(), toHost_.size(), MSG_DONTWAIT | MSG_NOSIGNAL) > 0) {
+        toHost_.clear();
+    } else if (errno != EAGAIN && errno != EINTR) {
+        dropHost();
+    }
+}
+
+}  // namespace tvk::desk
