@@ -23,14 +23,15 @@ function(tarvek_test_options name)
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [NATIVE] [DEPENDS <targets>...])
+# tarvek_tests(<name> [NATIVE] [ONE_THREAD] [DEPENDS <targets>...])
 #
 # One test program of all *.cpp in this folder, each test its own ctest entry (the
 # program, where it is emulated).
 # NATIVE labels tests that cannot run under emulation, such as those that start
-# programs of ours.
+# programs of ours. ONE_THREAD marks a program in which no second thread runs: the
+# thread sanitizer has nothing to see there, and its build leaves it out.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "NATIVE" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "DEPENDS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS *.cpp)
   if(NOT sources)
     return()
@@ -41,6 +42,10 @@ function(tarvek_tests name)
   tarvek_test_options(${name})
   if(TARVEK_TEST_PCH)
     target_precompile_headers(${name} REUSE_FROM test_precompiled_headers)
+  endif()
+  if(ARG_ONE_THREAD AND TARVEK_SANITIZE STREQUAL "thread")
+    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL TRUE)
+    return()
   endif()
   set(labels)
   if(ARG_NATIVE)
