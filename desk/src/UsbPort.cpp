@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <poll.h>
 #include <sys/socket.h>
 #include <system_error>
 #include <unistd.h>
@@ -51,13 +52,17 @@ void UsbPort::exchange() {
     if (!line_) return;
     carryToDevice();
     carryToHost();
+    if (host_ == -1) acceptHost();
 }
 
 void UsbPort::send(const HidReport& report) {
     if (line_) line_->write(report);
 }
 
+// A program whose end has not been seen yet does not keep the next one out; what it sent last goes first.
 void UsbPort::acceptHost() {
+    pollfd host{host_, POLLRDHUP, 0};
+    if (host_ != -1 && poll(&host, 1, 0) > 0) return;
     const int program = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (program == -1) return;
     if (!line_ || host_ != -1)

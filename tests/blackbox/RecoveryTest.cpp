@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "DeskRun.h"
+#include "blackbox/support/DeskRun.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
-#include "DeskRun.h"
+#include "blackbox/support/DeskRun.h"
 #include "wav/WavWriter.h"
 
 using ::testing::HasSubstr;

@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <numbers>
 
-#include "DeskRun.h"
+#include "blackbox/support/DeskRun.h"
 
 using ::testing::Each;
 using ::testing::SizeIs;

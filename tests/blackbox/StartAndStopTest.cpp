@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <poll.h>
 
-#include "DeskRun.h"
+#include "blackbox/support/DeskRun.h"
 
 using ::testing::Contains;
 using ::testing::HasSubstr;

@@ -1,4 +1,4 @@
-#include "DeskRun.h"
+#include "blackbox/support/DeskRun.h"
 
 #include <cmath>
 #include <cstdio>

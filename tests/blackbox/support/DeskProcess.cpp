@@ -1,4 +1,4 @@
-#include "DeskProcess.h"
+#include "blackbox/support/DeskProcess.h"
 
 #include <atomic>
 #include <cerrno>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "DeskProcess.h"
+#include "blackbox/support/DeskProcess.h"
 #include "support/TemporaryFolder.h"
 
 using Samples = std::vector<float>;
