@@ -2,9 +2,9 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <system_error>
 #include <termios.h>
 #include <unistd.h>
 
@@ -16,6 +16,10 @@ namespace tvk::panel {
 namespace {
 
 constexpr std::chrono::milliseconds kLongestStandstill{1000};
+
+std::string systemText() {
+    return std::generic_category().message(errno);
+}
 
 // Null when it is done, else what the system has against it.
 const char* configure(int descriptor) {
@@ -36,7 +40,7 @@ const char* configure(int descriptor) {
 SerialLine::SerialLine(const std::string& path, int stopDescriptor)
     : path_(path), stopDescriptor_(stopDescriptor) {
     descriptor_ = open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor_ == -1) fail(std::string("cannot be opened: ") + std::strerror(errno));
+    if (descriptor_ == -1) fail("cannot be opened: " + systemText());
     const char* const fault = configure(descriptor_);
     if (!fault) return;
     close(descriptor_);
@@ -55,7 +59,7 @@ void SerialLine::write(std::string_view bytes) {
             continue;
         }
         if (taken == -1 && errno == EINTR) continue;
-        if (taken == -1 && errno != EAGAIN) fail(std::string("cannot be written: ") + std::strerror(errno));
+        if (taken == -1 && errno != EAGAIN) fail("cannot be written: " + systemText());
         pollfd line{descriptor_, POLLOUT, 0};
         if (Clock::current().poll(&line, 1, kLongestStandstill) == 0)
             fail("takes no more bytes; does anybody read at its other end?");
