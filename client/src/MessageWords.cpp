@@ -39,7 +39,7 @@ std::string errorText(const char* const (&texts)[Count], std::int64_t error) {
 }
 
 std::string quoted(const std::string& name) {
-    return "\"" + escaped(name) + "\"";
+    return std::string(1, '"').append(escaped(name)).append(1, '"');
 }
 
 // Lines without the last one's end.
