@@ -32,8 +32,6 @@ public:
         ends_.insert(end);
         if (ends_.size() >= threads_) moveOn();
         changed_.wait(lock, [&] { return now_ >= end || isReleased_; });
-        lock.unlock();
-        std::this_thread::yield();
     }
 
     void nap(Nanoseconds) override { std::this_thread::yield(); }

@@ -74,8 +74,7 @@ protected:
     // Returns when the connection is open and the response has come.
     void connect() {
         amplifier.link.send(connectionRequest());
-        while (amplifier.link.takeReplies().empty())
-            std::this_thread::yield();
+        amplifier.link.awaitReplies();
         while (!amplifier.clients.isConnectionOpen(1))
             std::this_thread::yield();
     }
@@ -96,12 +95,11 @@ protected:
         amplifier.link.send(mark());
         Texts texts;
         for (;;) {
-            for (const TarvekMessage& reply : amplifier.link.takeReplies()) {
+            for (const TarvekMessage& reply : amplifier.link.awaitReplies()) {
                 if (isMark(reply)) return texts;
                 EXPECT_TRUE(reply.ignore_this_padding());
                 texts.push_back(withoutPadding(reply));
             }
-            std::this_thread::yield();
         }
     }
     Texts ask(const TarvekMessage& request) { return ask(std::vector{request}); }
@@ -109,11 +107,9 @@ protected:
     // The next replies, without asking for more.
     std::vector<TarvekMessage> awaitReplies(std::size_t count) {
         std::vector<TarvekMessage> replies;
-        while (replies.size() < count) {
-            for (const TarvekMessage& reply : amplifier.link.takeReplies())
+        while (replies.size() < count)
+            for (const TarvekMessage& reply : amplifier.link.awaitReplies())
                 replies.push_back(reply);
-            std::this_thread::yield();
-        }
         return replies;
     }
 

@@ -25,11 +25,9 @@ protected:
             expected.push_back(bytesOf(reply));
         expected.push_back(bytesOf("08 01 22 04 1a 02 08 01"));
         std::vector<tvk::Bytes> found;
-        while (found.empty() || found.back() != expected.back()) {
-            for (tvk::Bytes& reply : amplifier.link.takeReplyBytes())
+        while (found.empty() || found.back() != expected.back())
+            for (tvk::Bytes& reply : amplifier.link.awaitReplyBytes())
                 found.push_back(std::move(reply));
-            std::this_thread::yield();
-        }
         EXPECT_EQ(found, expected);
     }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -61,9 +62,18 @@ public:
         return std::exchange(replies_, {});
     }
 
+    // The same, of which there is one at least: returns when it has come.
+    std::vector<TarvekMessage> awaitReplies() {
+        std::unique_lock lock(mutex_);
+        replied_.wait(lock, [this] { return !replies_.empty(); });
+        replyBytes_.clear();
+        return std::exchange(replies_, {});
+    }
+
     // The same as it went over the wire.
-    std::vector<tvk::Bytes> takeReplyBytes() {
-        const std::lock_guard lock(mutex_);
+    std::vector<tvk::Bytes> awaitReplyBytes() {
+        std::unique_lock lock(mutex_);
+        replied_.wait(lock, [this] { return !replyBytes_.empty(); });
         replies_.clear();
         return std::exchange(replyBytes_, {});
     }
@@ -142,11 +152,13 @@ private:
         message.ParseFromArray(bytes->data(), static_cast<int>(bytes->size()));
         replies_.push_back(message);
         replyBytes_.push_back(*bytes);
+        replied_.notify_all();
     }
 
     mutable std::mutex mutex_;
     tvk::MessageFramer framer_{kFrameSize, kMessageSize, tvk::CompositionMode::Framed};
     tvk::MessageComposer composer_{kFrameSize, kMessageSize, tvk::CompositionMode::Framed};
+    std::condition_variable replied_;
     std::deque<tvk::Bytes> toAmplifier_;
     std::vector<TarvekMessage> replies_;
     std::vector<tvk::Bytes> replyBytes_;
