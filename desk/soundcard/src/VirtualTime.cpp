@@ -39,6 +39,34 @@ private:
     VirtualTime* time_ = nullptr;
 };
 
+// Of a sleeper, until its thread's end.
+class VirtualTime::Acquaintance {
+public:
+    ~Acquaintance() {
+        if (!time_) return;
+        const std::lock_guard lock(time_->mutex_);
+        --time_->knownSleepers_;
+    }
+    Acquaintance() = default;
+    Acquaintance(const Acquaintance&) = delete;
+    Acquaintance& operator=(const Acquaintance&) = delete;
+
+    // With the time's lock held.
+    void make(VirtualTime* time) {
+        if (time_) return;
+        time_ = time;
+        ++time->knownSleepers_;
+    }
+
+private:
+    VirtualTime* time_ = nullptr;
+};
+
+bool VirtualTime::areSleepersAsleep() const {
+    const std::lock_guard lock(mutex_);
+    return sleepers_.size() == knownSleepers_;
+}
+
 VirtualTime::Nanoseconds VirtualTime::now() const {
     const std::lock_guard lock(mutex_);
     return now_;
@@ -123,7 +151,9 @@ void VirtualTime::sleepFor(Nanoseconds duration) {
 }
 
 void VirtualTime::sleep(Nanoseconds duration) {
+    thread_local Acquaintance acquaintance;
     std::unique_lock lock(mutex_);
+    acquaintance.make(this);
     Sleeper self;
     self.deadline = now_ + duration;
     self.thread = pthread_self();

@@ -48,6 +48,9 @@ public:
     // Sleeps; on the marked thread, moves time. Any thread.
     void sleepFor(Nanoseconds duration);
 
+    // Whether every thread that has ever slept here sleeps now. Any thread.
+    bool areSleepersAsleep() const;
+
     // Time stands still from here on: the audio thread waits in its next waitUntil. Any thread.
     void hold();
 
@@ -70,6 +73,7 @@ private:
         std::condition_variable wake;
     };
     class Mark;
+    class Acquaintance;
 
     bool isMachineTime() const { return isReleased_ || audioThread() == 0; }
     void rest(std::unique_lock<std::mutex>& lock);
@@ -90,6 +94,7 @@ private:
     bool isHeld_ = false;  // the audio thread stands at the limit
     int waking_ = 0;       // sleepers told to wake that have not taken notice yet
     std::list<Sleeper*> sleepers_;
+    std::size_t knownSleepers_ = 0;
 };
 
 }  // namespace tvk::desk
