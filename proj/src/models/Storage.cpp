@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "utility/AtomicSave.h"
@@ -34,7 +34,7 @@ Storage::Load readText(OsFiles& files, int descriptor, std::string& text) {
     if (OsFiles::resumed([&] { return files.status(descriptor, &status); }) != 0 || !S_ISREG(status.st_mode))
         return Storage::Load::Unreadable;
     std::string read;
-    std::array<char, kReadBlockBytes> block;
+    std::array<char, kReadBlockBytes> block{};
     for (;;) {
         const ssize_t count =
             OsFiles::resumed([&] { return files.read(descriptor, block.data(), block.size()); });
@@ -129,7 +129,8 @@ std::vector<std::string> Storage::listFolder(const std::string& path) const {
     std::vector<std::string> names;
     if (OsFiles::resumed([&] { return files_.list(place.c_str(), names); }) != 0) {
         if (isAbsence(errno)) return {};
-        TVK_THROW("Can't open directory '%s': %s", place.c_str(), std::strerror(errno));
+        TVK_THROW("Can't open directory '%s': %s", place.c_str(),
+                  std::generic_category().message(errno).c_str());
     }
     std::sort(names.begin(), names.end());
     return names;
