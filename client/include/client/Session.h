@@ -75,7 +75,7 @@ private:
     using Nanoseconds = std::chrono::nanoseconds;
 
     struct Open {
-        Exchange* exchange;
+        Exchange* exchange = nullptr;
         Expectation expectation;
     };
 
