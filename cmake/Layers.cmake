@@ -23,16 +23,19 @@ function(tarvek_test_options name)
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [NATIVE] [ONE_THREAD] [DEPENDS <targets>...])
+# tarvek_tests(<name> [NATIVE] [ONE_THREAD] [SOURCES <files>...] [DEPENDS <targets>...])
 #
-# One test program of all *.cpp in this folder, each test its own ctest entry (the
+# One test program of these files, or of all *.cpp in this folder, each test its own ctest entry (the
 # program, where it is emulated).
 # NATIVE labels tests that cannot run under emulation, such as those that start
 # programs of ours. ONE_THREAD marks a program in which no second thread runs: the
 # thread sanitizer has nothing to see there, and its build leaves it out.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "DEPENDS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "SOURCES;DEPENDS" ${ARGN})
+  set(sources ${ARG_SOURCES})
+  if(NOT sources)
+    file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+  endif()
   if(NOT sources)
     return()
   endif()

@@ -126,7 +126,7 @@ int play(const Options& options) {
     if (!options.isPanelExternal) setting.controlProcessor.emplace(options.product, options.knobs);
     setting.isHostPlugged = options.isHostPlugged;
     setting.script = options.script;
-    Peers peers(endpoints, clock, std::move(setting));
+    Peers peers(endpoints, isVirtual ? &card.virtualTime() : nullptr, std::move(setting));
     DeskSession session(options, endpoints, peers, card, writer);
 
     Platform platform = productPlatform();
@@ -155,7 +155,10 @@ void settleAddresses(char** argv) {
     const int now = personality(0xffffffff);
     if (now == -1 || (now & ADDR_NO_RANDOMIZE) != 0) return;
     if (personality(static_cast<unsigned long>(now) | ADDR_NO_RANDOMIZE) == -1) return;
-    execv("/proc/self/exe", argv);
+    // By its own path, which gives the process its name.
+    std::error_code unknown;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", unknown);
+    if (!unknown) execv(program.c_str(), argv);
 }
 
 int refuse(const char* reason) {

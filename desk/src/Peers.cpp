@@ -8,45 +8,57 @@ namespace tvk::desk {
 
 namespace {
 
-constexpr std::chrono::milliseconds kTick{1};
 constexpr auto kNotStarted = std::numeric_limits<std::chrono::nanoseconds::rep>::max();
 
 }  // namespace
 
-Peers::Peers(const Endpoints& endpoints, Clock& clock, Setting setting)
+Peers::Peers(const Endpoints& endpoints, VirtualTime* time, Setting setting)
     : endpoints_(endpoints),
-      clock_(clock),
+      time_(time),
       script_(std::move(setting.script)),
       panel_(std::move(setting.controlProcessor)),
       usb_(endpoints.hidDevice(), endpoints.hid(), script_.hasReports()),
       scriptStart_(kNotStarted) {
     std::filesystem::create_symlink(panel_.programPath(), endpoints.uart());
     if (setting.isHostPlugged) usb_.plug();
-    thread_ = std::thread([this] { run(); });
-    pthread_setname_np(thread_.native_handle(), "DeskPeers");
+    if (time_) {
+        time_->setTick([this] { tick(); });
+    } else {
+        thread_ = std::thread([this] { run(); });
+        pthread_setname_np(thread_.native_handle(), "DeskPeers");
+    }
 }
 
 Peers::~Peers() {
     isEnding_.store(true, std::memory_order_relaxed);
-    thread_.join();
+    if (time_)
+        time_->setTick({});
+    else
+        thread_.join();
 }
 
 void Peers::startScript() {
-    scriptStart_.store(clock_.now().count(), std::memory_order_relaxed);
+    scriptStart_.store(now().count(), std::memory_order_relaxed);
 }
 
 void Peers::run() {
     while (!isEnding_.load(std::memory_order_relaxed)) {
-        const auto start = scriptStart_.load(std::memory_order_relaxed);
-        if (start != kNotStarted) {
-            const std::chrono::nanoseconds now = clock_.now() - std::chrono::nanoseconds(start);
-            while (const ScriptEvent* const event = script_.take(now))
-                play(*event);
-        }
-        panel_.exchange();
-        usb_.exchange();
-        clock_.sleepFor(kTick);
+        tick();
+        std::this_thread::sleep_for(VirtualTime::kTick);
     }
+}
+
+std::chrono::nanoseconds Peers::now() const {
+    return time_ ? time_->now() : std::chrono::steady_clock::now().time_since_epoch();
+}
+
+void Peers::tick() {
+    const auto start = scriptStart_.load(std::memory_order_relaxed);
+    if (start != kNotStarted)
+        while (const ScriptEvent* const event = script_.take(now() - std::chrono::nanoseconds(start)))
+            play(*event);
+    panel_.exchange();
+    usb_.exchange();
 }
 
 void Peers::play(const ScriptEvent& event) {

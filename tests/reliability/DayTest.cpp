@@ -8,31 +8,19 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "client/ClientClock.h"
 #include "client/Requests.h"
 #include "client/Session.h"
 #include "client/SocketLink.h"
-#include "core/ProductProfile/ProductProfile.h"
-#include "desk/DeskClock.h"
-#include "desk/Endpoints.h"
-#include "desk/Peers.h"
-#include "desk/ProductRoot.h"
-#include "desk/soundcard/VirtualCard.h"
-#include "panel/Frame.h"
 #include "proj/models/Model.h"
-#include "proj/runner/Runner.h"
+#include "reliability/DeskAmplifier.h"
 #include "reliability/LiveAllocations.h"
-#include "support/TemporaryFolder.h"
 #include "utility/BackgroundJobs.h"
 #include "utility/Log.h"
 #include "wav/GuitarFile.h"
@@ -47,7 +35,6 @@ using tvk::desk::VirtualCard;
 namespace {
 
 constexpr int kMinute = 60;
-constexpr int kRateHz = 44100;
 
 // Within each minute; the rest of it belongs to the knobs. A connection lapses five seconds after its last
 // message, before the minute ends.
@@ -71,7 +58,7 @@ int daySeconds() {
 std::vector<Fault> faultsOf(int seconds) {
     std::vector<Fault> faults;
     const auto periodAt = [](int second) {
-        return static_cast<std::uint64_t>(second) * kRateHz / VirtualCard::kPeriodFrames;
+        return static_cast<std::uint64_t>(second) * DeskAmplifier::kRateHz / VirtualCard::kPeriodFrames;
     };
     for (int minute = 0; minute * kMinute < seconds; ++minute) {
         const int start = minute * kMinute;
@@ -124,55 +111,50 @@ long entriesOf(const char* folder) {
     return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }
 
+std::string wholeFile(const fs::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 class Day : public ::testing::Test {
 protected:
     void SetUp() override {
-        VirtualCard::installConfiguration();
-        settings_.clock = VirtualCard::ClockMode::Virtual;
-        const tvk::GuitarFile guitar(TARVEK_GUITAR, kRateHz);
-        settings_.guitars = {guitar.input(0), guitar.input(1)};
-        settings_.loop = true;
-        settings_.faults = faultsOf(seconds_);
-        settings_.sensitiveGainDb =
-            ProductProfile((root_.homeRoot / "product_profile.json").string()).getDreGainDeltaDb();
-        card_.configure(settings_);
-        card_.virtualTime().setAwaitRest([this] { awaitSleepers(); });
+        const tvk::GuitarFile guitar(TARVEK_GUITAR, DeskAmplifier::kRateHz);
+        desk_.settings.guitars = {guitar.input(0), guitar.input(1)};
+        desk_.settings.faults = faultsOf(seconds_);
+        response_ = wholeFile(desk_.root.homeRoot / "IRs" / "TestCabinet1.wav");
+        ASSERT_FALSE(response_.empty());
     }
 
     // Whoever has ever slept sleeps again, or is at something that needs the card.
     void awaitSleepers() {
         tvk::BackgroundJobs::waitUntilIdle();
         const auto end = std::chrono::steady_clock::now() + 2ms;
-        while (!card_.virtualTime().areSleepersAsleep() && std::chrono::steady_clock::now() < end)
+        while (!desk_.card.virtualTime().areSleepersAsleep() && std::chrono::steady_clock::now() < end)
             tvk::Clock::current().nap(5us);
     }
 
-    void run(std::chrono::nanoseconds duration) { card_.virtualTime().run(duration); }
-
-    void send(const tvk::panel::Frame& frame) const {
-        const std::string bytes = *tvk::panel::encode(frame);
-        ASSERT_EQ(write(uart_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    }
+    void run(std::chrono::nanoseconds duration) { desk_.card.virtualTime().run(duration); }
 
     void turnSomething(int second) {
         static constexpr std::array<const char*, 7> kPins = {"PA_0", "PA_1", "PA_3", "PA_5",
                                                              "PA_7", "PC_0", "PC_1"};
         const auto pin = static_cast<std::size_t>(second) % kPins.size();
-        send(tvk::panel::floatFrame(kPins[pin], 0.2f + 0.1f * static_cast<float>(second % 6)));
+        desk_.send(tvk::panel::floatFrame(kPins[pin], 0.2f + 0.1f * static_cast<float>(second % 6)));
     }
 
     void changeAmplifier() {
-        send(tvk::panel::intFrame("PF0_AND_PF1", 1));
+        desk_.send(tvk::panel::intFrame("PF0_AND_PF1", 1));
         run(200ms);
-        send(tvk::panel::intFrame("PF0_AND_PF1", 0));
+        desk_.send(tvk::panel::intFrame("PF0_AND_PF1", 0));
         run(200ms);
     }
 
     // One of everything; ends without a word, as programs do.
     void clientSession() {
         using State = tvk::client::Exchange::State;
-        tvk::client::SocketLink link(endpoints_.hid().string());
-        CardClock clock(card_.virtualTime());
+        tvk::client::SocketLink link(desk_.endpoints.hid().string());
+        CardClock clock(desk_.card.virtualTime());
         tvk::client::Session session(link, clock);
         EXPECT_EQ(session.connect().state, State::Done);
         for (const TarvekMessage& request :
@@ -191,7 +173,7 @@ protected:
         std::array<tvk::desk::FrameRing::Frame, 4096> frames;
         double sum = 0.0;
         std::size_t count = 0;
-        while (const std::size_t got = card_.takeOutput(frames.data(), frames.size())) {
+        while (const std::size_t got = desk_.card.takeOutput(frames.data(), frames.size())) {
             for (std::size_t i = 0; i < got; ++i)
                 sum += static_cast<double>(frames[i].speaker) * frames[i].speaker;
             count += got;
@@ -204,7 +186,7 @@ protected:
     }
 
     void playSecond(int second) {
-        const auto start = card_.virtualTime().now();
+        const auto start = desk_.card.virtualTime().now();
         turnSomething(second);
         switch (second % kMinute) {
             case kSessionSecond:
@@ -217,74 +199,37 @@ protected:
                 break;
         }
         // A session takes longer than its second.
-        run(std::max<std::chrono::nanoseconds>(start + 1s - card_.virtualTime().now(), 0ns));
+        run(std::max<std::chrono::nanoseconds>(start + 1s - desk_.card.virtualTime().now(), 0ns));
         const double loud = loudness();
         EXPECT_TRUE(std::isfinite(loud));
         EXPECT_GT(loud, 1e-4) << "silence at second " << second;
     }
 
     const int seconds_ = daySeconds();
-    TemporaryFolder folder_;
-    const tvk::desk::ProductRoot root_ = tvk::desk::ProductRoot::open(folder_.path() / "root");
-    tvk::desk::Endpoints endpoints_{folder_.path() / "root"};
-    VirtualCard& card_ = VirtualCard::instance();
-    VirtualCard::Settings settings_;
+    DeskAmplifier desk_;
     std::string response_;
-    int uart_ = -1;
     int sessions_ = 0;
 };
-
-std::string wholeFile(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 }  // namespace
 
 TEST_F(Day, LeavesNothingBehind) {
-    tvk::desk::DeskClock clock(card_.virtualTime());
-    tvk::desk::Peers peers(
-        endpoints_, clock,
-        {tvk::desk::ControlProcessor(0, tvk::desk::demonstrationPins()), true, cableOf(seconds_)});
-    uart_ = open(endpoints_.uart().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    response_ = wholeFile(root_.homeRoot / "IRs" / "TestCabinet1.wav");
-    ASSERT_FALSE(response_.empty());
-
     std::vector<Minute> minutes;
+    minutes.reserve(static_cast<std::size_t>(seconds_ / kMinute + 1));
     long xruns = 0;
-    tvk::Platform platform = tvk::productPlatform();
-    platform.homeRoot = root_.homeRoot;
-    platform.userData = root_.userData;
-    platform.uartDevice = peers.uartDevice();
-    platform.hidDevice = endpoints_.hidDevice();
-    platform.gpioRoot = endpoints_.gpio();
-    platform.buttonPollEvents = POLLIN;
-    platform.runShell = tvk::desk::Endpoints::runShell;
-    platform.clock = &clock;
-    std::atomic<bool> hasStarted{false};
-    platform.panelReplayed = [&] {
-        if (hasStarted.exchange(true)) return;
-        card_.beginTransport();
-        peers.startScript();
-        card_.virtualTime().hold();
-    };
-    platform.session = [&](Model& model, tvk::StopSignal&) {
-        tvk::log::enableDebug(false);
-        run(1s);
-        loudness();
-        minutes.reserve(static_cast<std::size_t>(seconds_ / kMinute + 1));
-        for (int second = 0; second < seconds_; ++second) {
-            playSecond(second);
-            if (second % kMinute == kMinute - 1) minutes.push_back(endOfMinute());
-        }
-        xruns = model.getXrunCount();
-        card_.endTransport();
-        card_.virtualTime().release();
-    };
-    tvk::StopSignal stop;
     const auto start = std::chrono::steady_clock::now();
-    tvk::runApplication(platform, stop);
-    close(uart_);
+    desk_.run(
+        cableOf(seconds_), true, [this] { awaitSleepers(); },
+        [&](Model& model) {
+            tvk::log::enableDebug(false);
+            run(1s);
+            loudness();
+            for (int second = 0; second < seconds_; ++second) {
+                playSecond(second);
+                if (second % kMinute == kMinute - 1) minutes.push_back(endOfMinute());
+            }
+            xruns = model.getXrunCount();
+        });
 
     const int count = static_cast<int>(minutes.size());
     const int warm = warmMinutes(count);

@@ -1,8 +1,8 @@
 // The world at the amplifier's doors: the panel, the USB host, the back panel's button, and the script that
 // moves them.
 //
-// One thread carries everything, once a millisecond of its clock, always in the same order; so a run on the
-// virtual clock repeats to the bit.
+// Everything is carried once a millisecond, always in the same order: on a thread of its own in real time; in
+// virtual time by whoever moves that, so that a run repeats to the bit.
 #pragma once
 
 #include <atomic>
@@ -14,7 +14,7 @@
 #include "desk/PanelLine.h"
 #include "desk/Script.h"
 #include "desk/UsbPort.h"
-#include "utility/Clock.h"
+#include "desk/soundcard/VirtualTime.h"
 
 namespace tvk::desk {
 
@@ -27,8 +27,9 @@ public:
         Script script;
     };
 
-    // Reachable when it returns. The endpoints and the clock outlive it.
-    Peers(const Endpoints& endpoints, Clock& clock, Setting setting);
+    // Reachable when it returns. Given a virtual time, lives in its ticks: no audio thread has been marked
+    // yet, and none is left at the end. The endpoints and the time outlive it.
+    Peers(const Endpoints& endpoints, VirtualTime* time, Setting setting);
     ~Peers();
     Peers(const Peers&) = delete;
     Peers& operator=(const Peers&) = delete;
@@ -41,10 +42,12 @@ public:
 
 private:
     void run();
+    std::chrono::nanoseconds now() const;
+    void tick();
     void play(const ScriptEvent& event);
 
     const Endpoints& endpoints_;
-    Clock& clock_;
+    VirtualTime* const time_;
     Script script_;
     PanelLine panel_;
     UsbPort usb_;

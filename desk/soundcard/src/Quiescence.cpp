@@ -20,14 +20,23 @@ namespace tvk::desk {
 namespace {
 
 constexpr const char* kTasks = "/proc/self/task";
-// Between looks, so that a thread of lower real-time priority on the same processor comes to its work. Not in
-// a call that counts as waiting: who awaits rest is not at rest.
-void pauseBetweenLooks() {
-    constexpr timespec kPause{0, 5000};
-    sigset_t none;
-    sigemptyset(&none);
-    sigtimedwait(&none, nullptr, &kPause);
-}
+// Between looks, so that a thread of lower priority on the same processor comes to its work; the longer it
+// takes, the longer the pause, since the machine has others to serve then. Not in a call that counts as
+// waiting: who awaits rest is not at rest.
+class Pause {
+public:
+    void make() {
+        const timespec length{0, nanoseconds_};
+        sigset_t none;
+        sigemptyset(&none);
+        sigtimedwait(&none, nullptr, &length);
+        nanoseconds_ = std::min(2 * nanoseconds_, kLongest);
+    }
+
+private:
+    static constexpr long kLongest = 300'000;
+    long nanoseconds_ = 4'000;
+};
 
 // What a thread may be blocked in while it waits. Disk calls are not among them.
 constexpr long kWaits[] = {
@@ -108,15 +117,17 @@ void Quiescence::closeAll() {
 }
 
 void Quiescence::await() {
+    Pause pause;
     while (!isQuiet())
-        pauseBetweenLooks();
+        pause.make();
 }
 
 bool Quiescence::await(std::chrono::nanoseconds atMost) {
     const auto end = std::chrono::steady_clock::now() + atMost;
+    Pause pause;
     while (!isQuiet()) {
         if (std::chrono::steady_clock::now() >= end) return false;
-        pauseBetweenLooks();
+        pause.make();
     }
     return true;
 }

@@ -100,15 +100,27 @@ void VirtualTime::waitUntil(Nanoseconds deadline) {
         rest(lock);
         const auto first = firstSleeper();
         const bool isSleeperNext = first != sleepers_.end() && (*first)->deadline <= deadline;
-        const Nanoseconds next = isSleeperNext ? (*first)->deadline : deadline;
+        Nanoseconds next = isSleeperNext ? (*first)->deadline : deadline;
+        const bool isTickNext = tick_ && nextTick_ <= next;
+        if (isTickNext) next = nextTick_;
         if (next > limit_ && !isReleased_) {
             holdAtLimit(lock);
             continue;
         }
         now_ = std::max(now_, next);
-        if (isSleeperNext) wake(first, lock);
+        if (isTickNext)
+            tick(lock);
+        else if (isSleeperNext)
+            wake(first, lock);
     }
     rest(lock);
+}
+
+void VirtualTime::tick(std::unique_lock<std::mutex>& lock) {
+    nextTick_ += kTick;
+    lock.unlock();
+    tick_();
+    lock.lock();
 }
 
 // A card that nobody holds back would take the processor from whoever ends the run.
@@ -206,6 +218,7 @@ void VirtualTime::release() {
 void VirtualTime::reset() {
     const std::lock_guard lock(mutex_);
     now_ = Nanoseconds::zero();
+    nextTick_ = Nanoseconds::zero();
     limit_ = Nanoseconds::max();
     isReleased_ = false;
     isHeld_ = false;

@@ -52,6 +52,8 @@ DeskProcess::DeskProcess(const std::filesystem::path& folder, std::vector<std::s
     pid_ = fork();
     if (pid_ < 0) throw std::runtime_error("no child process");
     if (pid_ == 0) {
+        // A test that is killed takes the program with it.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         redirect(outputFile_, STDOUT_FILENO);
         redirect(errorFile_, STDERR_FILENO);
         if (rights == Rights::NoRealTime) giveUpRealTime();

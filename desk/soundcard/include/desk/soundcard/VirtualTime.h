@@ -3,10 +3,10 @@
 //
 // The audio thread moves time (waitUntil, or sleepFor on the thread that is marked). Every other thread that
 // sleeps through this clock is a sleeper with a deadline. On its way to its own deadline the audio thread
-// wakes the sleepers one by one, in the order of their deadlines, those with one deadline in the order of
-// their threads' names; after each, and before anything else, it waits until all other threads of the process
-// are at rest. So one thread works at a time, time stands still meanwhile, and a run repeats to the bit at
-// any machine speed.
+// does what is due in every millisecond, and wakes the sleepers one by one, in the order of their deadlines,
+// those with one deadline in the order of their threads' names; after each, and before anything else, it
+// waits until all other threads of the process are at rest. So one thread works at a time, time stands still
+// meanwhile, and a run repeats to the bit at any machine speed.
 //
 // While no audio thread is there, before its first period and after its end, sleeps are the machine's. A
 // sleep that has not ended when the audio thread comes ends in the card's time, counted from where that
@@ -40,6 +40,11 @@ public:
     // How to wait until every other thread of the process is at rest; empty for no wait. Called on the audio
     // thread, and by runTo on its caller's. Set it before the audio thread is marked.
     void setAwaitRest(std::function<void()> awaitRest) { awaitRest_ = std::move(awaitRest); }
+
+    // What is to be done in every millisecond of this time, on the audio thread, before the sleepers of that
+    // moment wake; empty for nothing. Set it before the audio thread is marked.
+    static constexpr std::chrono::milliseconds kTick{1};
+    void setTick(std::function<void()> tick) { tick_ = std::move(tick); }
 
     // Moves time forward to `deadline`, waking sleepers on the way. Returns at once if that is past. One
     // thread.
@@ -77,6 +82,7 @@ private:
 
     bool isMachineTime() const { return isReleased_ || audioThread() == 0; }
     void rest(std::unique_lock<std::mutex>& lock);
+    void tick(std::unique_lock<std::mutex>& lock);
     void passInMachineTime(Nanoseconds deadline, std::unique_lock<std::mutex>& lock);
     void holdAtLimit(std::unique_lock<std::mutex>& lock);
     std::list<Sleeper*>::iterator firstSleeper();
@@ -85,9 +91,11 @@ private:
     void endOfAudioThread();
 
     std::function<void()> awaitRest_;
+    std::function<void()> tick_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;  // hold, release, and who came to wait or to wake
     Nanoseconds now_{0};
+    Nanoseconds nextTick_{0};
     Nanoseconds limit_ = Nanoseconds::max();
     std::atomic<pid_t> audioThread_{0};
     bool isReleased_ = false;
