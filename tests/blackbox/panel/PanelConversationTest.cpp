@@ -1,6 +1,8 @@
 // The amplifier as its panel knows it: what it sends, and what each control does to the sound.
+#include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -324,6 +326,35 @@ TEST_F(PanelConversation, TenSecondsOfHoldingRestoreTheFactorySettingsOnceAndLig
     desk.run(11.0);
     EXPECT_TRUE(fs::exists(mine)) << "a continued hold restored again";
     desk.stop();
+}
+
+// A tick of the line, one pass of the receiver, the block in hand; the rest is the card's latency.
+TEST_F(PanelConversation, AKnobIsHeardWithinOnePassAndOneBlock) {
+    constexpr double kTick = 0.001;
+    constexpr double kPass = 0.010;
+    constexpr double kBlock = 32.0 / kRateHz;
+    const double latency = static_cast<double>(kLatency) / kRateHz;
+    const auto record = [&](const std::string& name, double turnedAt) {
+        HeldDesk desk(folder(), withFiles(name, {"--in", tones(), "--loop", "--knob", "PB_0=0.4"}));
+        desk.run(turnedAt);
+        if (name != "still") desk.turn("PB_0", 0.9f);
+        desk.run(0.5);
+        desk.stop();
+        return readWav(outFile(name))[0];
+    };
+    const Samples still = record("still", 0.4);
+    double longest = 0.0;
+    for (const double turnedAt : {0.3000, 0.3025, 0.3050, 0.3075}) {
+        const Samples turned = record("turned", turnedAt);
+        const auto first = std::mismatch(turned.begin(), turned.end(), still.begin(), still.end()).first;
+        ASSERT_NE(first, turned.end());
+        longest =
+            std::max(longest, static_cast<double>(first - turned.begin()) / kRateHz - turnedAt - latency);
+    }
+    RecordProperty("longest_ms", std::to_string(1e3 * longest));
+    std::printf("the longest wait of a knob: %.2f ms\n", 1e3 * longest);
+    EXPECT_LE(longest, kTick + kPass + 2.0 * kBlock);
+    EXPECT_GE(longest, 0.0);
 }
 
 TEST_F(PanelConversation, AScriptedRunRepeatsByteForByte) {
