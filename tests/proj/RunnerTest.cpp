@@ -53,6 +53,10 @@ protected:
         platform = tvk::productPlatform();
         platform.homeRoot = folder.path();
         platform.userData = folder.path();
+        platform.uartDevice = folder.file("no uart");
+        platform.hidDevice = folder.file("no gadget");
+        platform.gpioRoot = folder.file("no gpio");
+        platform.runShell = [](const std::string&) { return 1; };
         std::ofstream(folder.file("product_profile.json"))
             << R"({"inputVoltageMapping": 1.2, "dreGainDeltaDb": 12})";
         paceCard(scope.card);
@@ -133,7 +137,13 @@ TEST_F(RunnerTest, StartsWithItsVersionAndBuildsInOrder) {
     ASSERT_GE(lines.size(), 2u);
     EXPECT_EQ(lines[0], "version: 2.0.18-0-gdaefaf3");
     EXPECT_EQ(lines[1], "main: Constructing Model");
-    EXPECT_EQ(starting("main: "), (Lines{"main: Constructing Model", "main: completed main"}));
+    EXPECT_EQ(starting("main: "),
+              (Lines{"main: Constructing Model", "main: Constructing Factory IR Model",
+                     "main: Constructing User IR Model", "main: Constructing Global settings Model",
+                     "main: Constructing Cabsim Model", "main: Constructing Controller",
+                     "main: Construction System Info Model", "main: Constructing View",
+                     "main: Constructing Message Handler", "main: Constructing Message Processor",
+                     "main: completed main"}));
     const auto completed = std::find(lines.begin(), lines.end(), "main: completed main");
     ASSERT_NE(completed, lines.end());
     EXPECT_EQ(*std::next(completed), "Press Ctrl+C to halt...");
