@@ -82,8 +82,7 @@ TEST_F(Dispatch, UploadsMovesAndRemovals) {
     EXPECT_EQ(fileOf(userData() / "userIRs/one.wav"), testCabinet(2));
     EXPECT_THAT(userNames(), ElementsAre("one", "two"));
 
-    EXPECT_THAT(answersTo(requests::moveUserIR(2, 1)),
-                ElementsAre("moveUserIR { oldSlot: 2 newSlot: 1 }"));
+    EXPECT_THAT(answersTo(requests::moveUserIR(2, 1)), ElementsAre("moveUserIR { oldSlot: 2 newSlot: 1 }"));
     EXPECT_THAT(userNames(), ElementsAre("two", "one"));
     EXPECT_THAT(answersTo(requests::moveUserIR(1, 51), State::Refused),
                 ElementsAre("userIRError { error: 2 }"));

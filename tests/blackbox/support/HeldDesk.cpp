@@ -64,7 +64,17 @@ void HeldDesk::run(double seconds) {
     for (char byte = 0; read(clock_, &byte, 1) == 1 && byte != '\n';)
         answer += byte;
     if (answer.rfind("at ", 0) != 0) throw std::runtime_error("the clock answered '" + answer + "'");
-    time_ += seconds;
+    time_ = std::stod(answer.substr(3));
+}
+
+void HeldDesk::lendClock() {
+    close(clock_);
+    clock_ = -1;
+}
+
+void HeldDesk::takeClockBack() {
+    clock_ = connectTo(endpoint("clock"));
+    run(0.0);
 }
 
 void HeldDesk::sendToAmplifier(const std::string& bytes) const {

@@ -30,6 +30,10 @@ public:
     // All that has been let pass.
     double time() const { return time_; }
 
+    // The clock serves one program at a time: between these two it may be another one.
+    void lendClock();
+    void takeClockBack();
+
     void sendToAmplifier(const std::string& bytes) const;
     void turn(const std::string& pin, float value) const;
     void move(const std::string& pin, std::int32_t value) const;
