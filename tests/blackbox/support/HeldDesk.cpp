@@ -56,10 +56,20 @@ HeldDesk::~HeldDesk() {
         if (descriptor != -1) close(descriptor);
 }
 
+void HeldDesk::request(double seconds) const {
+    char text[64];
+    std::snprintf(text, sizeof text, "run %.9f\n", seconds);
+    writeAll(clock_, text);
+}
+
+void HeldDesk::runAndKill(double seconds) {
+    request(seconds);
+    process_.signal(SIGKILL);
+    process_.wait();
+}
+
 void HeldDesk::run(double seconds) {
-    char request[64];
-    std::snprintf(request, sizeof request, "run %.9f\n", seconds);
-    writeAll(clock_, request);
+    request(seconds);
     std::string answer;
     for (char byte = 0; read(clock_, &byte, 1) == 1 && byte != '\n';)
         answer += byte;

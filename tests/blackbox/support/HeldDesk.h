@@ -27,6 +27,9 @@ public:
     // Lets time move on.
     void run(double seconds);
 
+    // Lets time move on by so much and kills the process somewhere on the way.
+    void runAndKill(double seconds);
+
     // All that has been let pass.
     double time() const { return time_; }
 
@@ -52,6 +55,8 @@ public:
     void stop();
 
 private:
+    void request(double seconds) const;
+
     DeskProcess process_;
     std::vector<std::pair<std::string, std::string>> endpoints_;
     int uart_ = -1;
