@@ -41,7 +41,7 @@ void TarvekThread::start() {
     TarvekThread::join();
     isRunning_.store(true, std::memory_order_relaxed);
     thread_ = std::thread(&TarvekThread::body, this);
-    tvk::scheduler::setThreadAffinity(thread_.native_handle(), cpu_);
+    tvk::scheduler::setNewThreadAffinity(thread_.native_handle(), cpu_);
     tvk::scheduler::setThreadScheduling(thread_.native_handle(), policy_, priority_);
     isScheduled_.release();
     tvk::Clock::current().threadStarted();

@@ -61,7 +61,7 @@ std::thread start(std::function<void()> body, const std::string& name, int polic
         scheduled->wait();
         body();
     });
-    setAffinity(thread, cpu);
+    scheduler::setNewThreadAffinity(thread.native_handle(), cpu);
     setNameAndScheduling(thread, name, policyCode, priority);
     scheduled->count_down();
     Clock::current().threadStarted();

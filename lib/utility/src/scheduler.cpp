@@ -98,6 +98,15 @@ bool setThreadAffinity(pthread_t thread, int cpu) {
     return true;
 }
 
+void setNewThreadAffinity(pthread_t thread, int cpu) {
+    if (setThreadAffinity(thread, cpu)) return;
+    cpu_set_t all;
+    CPU_ZERO(&all);
+    for (int each = 0; each < kMaxCpus; ++each)
+        CPU_SET(static_cast<std::size_t>(each), &all);
+    pthread_setaffinity_np(thread, sizeof all, &all);
+}
+
 bool setProcessScheduling(pid_t process, int policy, int priority) {
     sched_param parameters{};
     parameters.sched_priority = clampPriority(policy, priority);

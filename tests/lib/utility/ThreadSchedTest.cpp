@@ -111,6 +111,21 @@ TEST_F(ThreadSchedTest, TheFirstProcessorIsTakenAndOneBeyondTheSetIsRefused) {
     EXPECT_TRUE(CPU_ISSET(0, &set)) << "a refused affinity leaves the thread where it is";
 }
 
+TEST_F(ThreadSchedTest, ANewThreadWhoseProcessorDoesNotExistIsNotLeftOnItsStartersOwn) {
+    cpu_set_t all;
+    ASSERT_EQ(pthread_getaffinity_np(pthread_self(), sizeof all, &all), 0);
+    cpu_set_t found;
+    CPU_ZERO(&found);
+    std::thread starter([&] {
+        tvk::ThreadSched::setAffinity(0);
+        tvk::ThreadSched::start([&found] { pthread_getaffinity_np(pthread_self(), sizeof found, &found); },
+                                "unbound", 0, 0, 1000)
+            .join();
+    });
+    starter.join();
+    EXPECT_EQ(CPU_COUNT(&found), CPU_COUNT(&all));
+}
+
 TEST_F(ThreadSchedTest, AnUnknownPolicyWarnsWithTheReason) {
     EXPECT_FALSE(tvk::scheduler::setThreadScheduling(idler.thread.native_handle(), 12345, 0));
     EXPECT_TRUE(log.has("Warn pthread_setschedparam error:"));

@@ -20,7 +20,11 @@ bool setThreadScheduling(pthread_t thread, int policy, int priority);
 // is refused by the kernel.
 bool setThreadAffinity(pthread_t thread, int cpu);
 
-// The same for a whole process, 0 for the calling one.
+// The same for a thread that has just been started. Where the processor does not exist, the thread may run on
+// every other: it would else be bound to the one of its starter, and there stand in that one's way.
+void setNewThreadAffinity(pthread_t thread, int cpu);
+
+// The scheduling of a whole process, 0 for the calling one.
 bool setProcessScheduling(pid_t process, int policy, int priority);
 
 }  // namespace tvk::scheduler
