@@ -123,7 +123,7 @@ int play(const Options& options) {
     std::optional<ClockDoor> clockDoor;
     if (options.isHeld) clockDoor.emplace(endpoints.clock(), card.virtualTime());
     Peers::Setting setting;
-    if (!options.isPanelExternal) setting.controlProcessor.emplace(options.product, options.knobs);
+    if (!options.isPanelExternal) setting.controlProcessor.emplace(options.pins);
     setting.isHostPlugged = options.isHostPlugged;
     setting.script = options.script;
     Peers peers(endpoints, isVirtual ? &card.virtualTime() : nullptr, std::move(setting));
@@ -172,6 +172,7 @@ int main(int argc, char** argv) {
     try {
         const std::optional<Options> options = Options::parse(argc, argv);
         if (!options) return 0;
+        StopSignal::block();
         if (options->clock == VirtualCard::ClockMode::Virtual) settleAddresses(argv);
         return play(*options);
     } catch (const std::exception& error) {

@@ -10,8 +10,9 @@
 #include <unistd.h>
 
 #include "desk/Refusal.h"
-#include "desk/Script.h"
 #include "desk/UnixSocket.h"
+#include "panel/Failures.h"
+#include "panel/Script.h"
 
 namespace tvk::desk {
 
@@ -86,8 +87,8 @@ std::string ClockDoor::answer(const std::string& line) {
     if (line.rfind(kRun, 0) != 0) return "error unknown request; write run SECONDS";
     std::chrono::nanoseconds duration{0};
     try {
-        duration = readSeconds("run", line.substr(kRun.size()));
-    } catch (const Refusal& refusal) {
+        duration = panel::readSeconds("run", line.substr(kRun.size()));
+    } catch (const panel::Refusal& refusal) {
         return std::string("error ") + refusal.what();
     }
     if (!time_.run(duration)) return "error the run has ended";

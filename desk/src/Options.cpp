@@ -3,11 +3,13 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <stdexcept>
 #include <unistd.h>
 
 #include "desk/Refusal.h"
+#include "panel/Script.h"
 
 namespace tvk::desk {
 
@@ -18,9 +20,9 @@ std::filesystem::path defaultRoot() {
 }
 
 // The product whose amplifier lies in each slot; that of the test slot is none that is sold.
-constexpr std::array<int, 5> kProductOfSlot = {-1, 1, 0, 2, 3};
+constexpr std::array<std::int32_t, 5> kProductOfSlot = {-1, 1, 0, 2, 3};
 
-std::optional<int> productOfSlot(const std::string& text) {
+std::optional<std::int32_t> productOfSlot(const std::string& text) {
     if (text == "none") return std::nullopt;
     if (text.size() == 1 && text[0] >= '0' && text[0] <= '4')
         return kProductOfSlot[static_cast<std::size_t>(text[0] - '0')];
@@ -40,7 +42,7 @@ std::optional<ScriptEvent> readCableFault(const std::string& text) {
     if (at == std::string::npos || (what != "hid-unplug" && what != "hid-plug")) return std::nullopt;
     ScriptEvent event;
     event.kind = what == "hid-plug" ? ScriptEvent::Kind::Plug : ScriptEvent::Kind::Unplug;
-    event.at = readSeconds("--fault " + text, text.substr(at + 1));
+    event.at = panel::readSeconds("--fault " + text, text.substr(at + 1));
     return event;
 }
 
@@ -88,7 +90,7 @@ constexpr const char* kFooter =
 std::optional<Options> Options::parse(int argc, const char* const* argv) {
     Options options;
     std::optional<std::string> slot;
-    std::optional<int> product;
+    std::optional<std::int32_t> product;
     std::optional<std::string> script;
     bool isHostDetached = false;
     std::string clock = "real";
@@ -175,15 +177,14 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
     if (options.seconds) refuseDuration(*options.seconds);
     if (product && slot)
         throw Refusal("--product and --slot both say which amplifier it is; give one of them");
-    if (product) options.product = product;
-    if (slot) options.product = productOfSlot(*slot);
+    options.product = slot ? productOfSlot(*slot) : product.value_or(0);
+    options.pins = panel::readKnobs(options.product.value_or(0), knobs);
+    if (!options.product) options.pins.erase(panel::kProductPin);
     options.clock = readClock(clock);
     if (options.isHeld && options.clock != VirtualCard::ClockMode::Virtual)
         throw Refusal("--hold: only a virtual clock can be held; add --clock virtual");
     options.isHostPlugged = !isHostDetached;
     options.root = root;
-    for (const std::string& text : knobs)
-        readKnob(text, options.knobs);
     if (script) options.script = Script::load(*script);
     for (const std::string& text : faults) {
         if (const std::optional<ScriptEvent> cable = readCableFault(text))

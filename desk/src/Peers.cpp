@@ -4,6 +4,8 @@
 #include <pthread.h>
 #include <utility>
 
+#include "utility/Clock.h"
+
 namespace tvk::desk {
 
 namespace {
@@ -44,12 +46,12 @@ void Peers::startScript() {
 void Peers::run() {
     while (!isEnding_.load(std::memory_order_relaxed)) {
         tick();
-        std::this_thread::sleep_for(VirtualTime::kTick);
+        Clock::current().sleepFor(VirtualTime::kTick);
     }
 }
 
 std::chrono::nanoseconds Peers::now() const {
-    return time_ ? time_->now() : std::chrono::steady_clock::now().time_since_epoch();
+    return time_ ? time_->now() : Clock::current().now();
 }
 
 void Peers::tick() {
@@ -64,9 +66,9 @@ void Peers::tick() {
 void Peers::play(const ScriptEvent& event) {
     switch (event.kind) {
         case ScriptEvent::Kind::Pin:
-            return panel_.move(event.pin, event.value);
+            return panel_.move(*event.frame);
         case ScriptEvent::Kind::Button:
-            return endpoints_.press(event.value != 0.0f);
+            return endpoints_.press(event.isDown);
         case ScriptEvent::Kind::Report:
             return usb_.send(event.report);
         case ScriptEvent::Kind::Unplug:

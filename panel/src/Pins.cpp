@@ -83,6 +83,17 @@ Frame readSetting(const std::string& where, const std::string& setting) {
     return readPin(where, setting.substr(0, equals), setting.substr(equals + 1));
 }
 
+PinFrames readKnobs(std::int32_t product, const std::vector<std::string>& knobs) {
+    PinFrames pins = demonstrationPins(product);
+    for (const std::string& knob : knobs) {
+        const Frame frame = readSetting("--knob", knob);
+        if (frame.name == kProductPin)
+            throw Refusal("--knob " + knob + ": these straps are what --product says");
+        pins.at(frame.name) = frame;
+    }
+    return pins;
+}
+
 std::string faultOfPin(const Pin& pin, const Frame& frame) {
     if (frame.type != pin.type)
         return formatText("came as type %d (%s); it is type %d (%s), and the amplifier drops any other",

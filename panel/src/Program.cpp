@@ -72,20 +72,9 @@ Duration readDuration(const std::string& text) {
     return readSeconds("--seconds", text);
 }
 
-PinFrames readKnobs(std::int32_t product, const std::vector<std::string>& knobs) {
-    PinFrames pins = demonstrationPins(product);
-    for (const std::string& knob : knobs) {
-        const Frame frame = readSetting("--knob", knob);
-        if (frame.name == kProductPin)
-            throw Refusal("--knob " + knob + ": these straps are what --product says");
-        pins.at(frame.name) = frame;
-    }
-    return pins;
-}
-
 Script readScript(const std::string& file, std::ostream& err) {
     if (file.empty()) return {};
-    Script script = Script::load(file);
+    Script script = Script::of(loadScriptLines(file));
     for (const std::string& line : script.passedOver)
         err << "tarvek-panel: passed over: " << line << std::endl;
     return script;

@@ -43,33 +43,42 @@ std::chrono::nanoseconds readSeconds(const std::string& where, const std::string
     return std::chrono::nanoseconds(std::llround(seconds * 1e9));
 }
 
-Script Script::read(std::istream& text, const std::string& name) {
-    Script script;
+std::vector<ScriptLine> readScriptLines(std::istream& text, const std::string& name) {
+    std::vector<ScriptLine> lines;
     std::string line;
     for (int number = 1; std::getline(text, line); ++number) {
-        const std::vector<std::string> words = wordsOf(line);
+        std::vector<std::string> words = wordsOf(line);
         if (words.empty()) continue;
         const std::string where = name + ":" + std::to_string(number);
-        const std::chrono::nanoseconds at = readSeconds(where, words[0]);
-        if (words.size() > 1 && isOfTheDesk(words[1])) {
-            script.passedOver.push_back(where + ": " + words[1] +
-                                        " is no control of the panel; tarvek-desk plays it");
-            continue;
-        }
-        if (words.size() != 3) throw Refusal(where + ": a line is SECONDS PIN VALUE, such as 1.5 PA_4 0.5");
-        script.moves.push_back({at, readPin(where, words[1], words[2])});
+        const std::chrono::nanoseconds at = readSeconds(where, words.front());
+        words.erase(words.begin());
+        lines.push_back({where, at, std::move(words)});
     }
     if (text.bad()) throw Refusal(name + ": cannot be read");
-    std::stable_sort(script.moves.begin(), script.moves.end(),
-                     [](const Move& one, const Move& other) { return one.at < other.at; });
-    return script;
+    return lines;
 }
 
-Script Script::load(const std::string& file) {
+std::vector<ScriptLine> loadScriptLines(const std::string& file) {
     std::ifstream text(file);
     if (!text || std::filesystem::is_directory(file))
         throw Refusal(file + ": cannot be read; give a file with lines SECONDS PIN VALUE");
-    return read(text, file);
+    return readScriptLines(text, file);
+}
+
+Script Script::of(const std::vector<ScriptLine>& lines) {
+    Script script;
+    for (const auto& [where, at, words] : lines) {
+        if (!words.empty() && isOfTheDesk(words[0])) {
+            script.passedOver.push_back(where + ": " + words[0] +
+                                        " is no control of the panel; tarvek-desk plays it");
+            continue;
+        }
+        if (words.size() != 2) throw Refusal(where + ": a line is SECONDS PIN VALUE, such as 1.5 PA_4 0.5");
+        script.moves.push_back({at, readPin(where, words[0], words[1])});
+    }
+    std::stable_sort(script.moves.begin(), script.moves.end(),
+                     [](const Move& one, const Move& other) { return one.at < other.at; });
+    return script;
 }
 
 }  // namespace tvk::panel

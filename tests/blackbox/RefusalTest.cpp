@@ -55,8 +55,8 @@ TEST_F(Refusal, KnobsThatMakeNoSense) {
     expectRefused({"--knob", "PB_0"}, "PIN=VALUE");
     expectRefused({"--knob", "PB_0=loud"}, "loud");
     expectRefused({"--knob", "PB_0=nan"}, "nan");
-    expectRefused({"--knob", "PB_0=1.01"}, "between 0 and 1");
-    expectRefused({"--knob", "PB_0=-0.01"}, "between 0 and 1");
+    expectRefused({"--knob", "PB_0=1.01"}, "from 0 to 1, not 1.01");
+    expectRefused({"--knob", "PB_0=-0.01"}, "from 0 to 1, not -0.01");
     expectRefused({"--knob", "PF_4=0.5"}, "whole number");
 }
 
@@ -101,13 +101,13 @@ TEST_F(Refusal, ScriptsByFileAndLine) {
         std::ofstream(folder() / "evening.txt") << "# comment\n\n0.5 PA_4 0.25\n" << line << "\n";
         expectRefused({"--script", folder() / "evening.txt"}, "evening.txt:4: " + reason);
     };
-    refuseLine("PA_4 0.5", "'PA_4' is not a time");
-    refuseLine("-1 PA_4 0.5", "'-1' is not a time");
+    refuseLine("PA_4 0.5", "'PA_4' is no time");
+    refuseLine("-1 PA_4 0.5", "'-1' is no time");
     refuseLine("1", "say what happens");
     refuseLine("1 PA_4", "PA_4 takes one value");
-    refuseLine("1 PA_4 1.5", "a knob's value lies between 0 and 1");
-    refuseLine("1 PX_4 0.5", "no such pin");
-    refuseLine("1 PB2_AND_PB10 0.5", "'0.5' is not a whole number");
+    refuseLine("1 PA_4 1.5", "PA_4 takes a number from 0 to 1, not 1.5");
+    refuseLine("1 PX_4 0.5", "there is no pin PX_4");
+    refuseLine("1 PB2_AND_PB10 0.5", "PB2_AND_PB10 takes a whole number, not '0.5'");
     refuseLine("1 button 2", "a button is 1 (down) or 0 (up)");
     refuseLine("1 hid 0g", "'0g' is not a byte");
     refuseLine("1 hid 012", "a report is 1 to 64 bytes, two hexadecimal digits each");

@@ -13,7 +13,7 @@ namespace {
 
 Script readText(const std::string& text) {
     std::istringstream stream(text);
-    return Script::read(stream, "evening");
+    return Script::of(readScriptLines(stream, "evening"));
 }
 
 std::string refusalOf(const std::string& text) {

@@ -14,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "client/ClientClock.h"
 #include "client/Requests.h"
 #include "client/Session.h"
 #include "client/SocketLink.h"
@@ -81,26 +80,6 @@ tvk::desk::Script cableOf(int seconds) {
     return script;
 }
 
-// The client's waits let the card's time pass.
-class CardClock final : public tvk::client::ClientClock {
-public:
-    explicit CardClock(tvk::desk::VirtualTime& time) : time_(time) {}
-
-    std::chrono::nanoseconds now() override { return time_.now(); }
-    bool runsByItself() const override { return false; }
-    bool receive(tvk::client::Link& link, tvk::client::Report& report,
-                 std::chrono::milliseconds limit) override {
-        for (auto waited = 0ms; !link.receive(report, 0ms); waited += 1ms) {
-            if (waited >= limit) return false;
-            time_.run(1ms);
-        }
-        return true;
-    }
-
-private:
-    tvk::desk::VirtualTime& time_;
-};
-
 struct Minute {
     LiveAllocations live;
     long descriptors;
@@ -154,7 +133,7 @@ protected:
     void clientSession() {
         using State = tvk::client::Exchange::State;
         tvk::client::SocketLink link(desk_.endpoints.hid().string());
-        CardClock clock(desk_.card.virtualTime());
+        SteppedClientClock clock = desk_.clientClock();
         tvk::client::Session session(link, clock);
         EXPECT_EQ(session.connect().state, State::Done);
         for (const TarvekMessage& request :

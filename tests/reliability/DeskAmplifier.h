@@ -14,8 +14,9 @@
 #include "desk/Peers.h"
 #include "desk/ProductRoot.h"
 #include "desk/soundcard/VirtualCard.h"
-#include "panel/Frame.h"
+#include "panel/ControlProcessor.h"
 #include "proj/runner/Runner.h"
+#include "support/SteppedClientClock.h"
 #include "support/TemporaryFolder.h"
 
 class DeskAmplifier {
@@ -44,7 +45,7 @@ public:
         tvk::desk::DeskClock clock(card.virtualTime());
         tvk::desk::Peers peers(
             endpoints, &card.virtualTime(),
-            {tvk::desk::ControlProcessor(0, tvk::desk::demonstrationPins()), true, std::move(script)});
+            {tvk::panel::ControlProcessor(tvk::panel::demonstrationPins(0)), true, std::move(script)});
         uart_ = open(endpoints.uart().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
         tvk::Platform platform = tvk::productPlatform();
         platform.homeRoot = root.homeRoot;
@@ -75,6 +76,12 @@ public:
         const std::string bytes = *tvk::panel::encode(frame);
         if (write(uart_, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
             throw std::runtime_error("the line took less than a frame");
+    }
+
+    // Of a client whose waits let the card's time pass.
+    SteppedClientClock clientClock() const {
+        tvk::desk::VirtualTime& time = card.virtualTime();
+        return {[&time] { return time.now(); }, [&time](std::chrono::milliseconds step) { time.run(step); }};
     }
 
     // How often a preset has been given all controls. Any thread.

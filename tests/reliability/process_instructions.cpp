@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "client/ClientClock.h"
 #include "client/Requests.h"
 #include "client/Session.h"
 #include "client/SocketLink.h"
 #include "reliability/DeskAmplifier.h"
+#include "support/SteppedClientClock.h"
 #include "utility/BackgroundJobs.h"
 #include "utility/Log.h"
 
@@ -23,28 +23,7 @@ extern "C" {
 }
 }
 
-namespace {
-
-class CardClock final : public tvk::client::ClientClock {
-public:
-    explicit CardClock(tvk::desk::VirtualTime& time) : time_(time) {}
-
-    std::chrono::nanoseconds now() override { return time_.now(); }
-    bool runsByItself() const override { return false; }
-    bool receive(tvk::client::Link& link, tvk::client::Report& report,
-                 std::chrono::milliseconds limit) override {
-        for (auto waited = 0ms; !link.receive(report, 0ms); waited += 1ms) {
-            if (waited >= limit) return false;
-            time_.run(1ms);
-        }
-        return true;
-    }
-
-private:
-    tvk::desk::VirtualTime& time_;
-};
-
-}  // namespace
+namespace {}  // namespace
 
 int main(int argc, char** argv) {
     const bool isStreaming = argc == 2 && std::strcmp(argv[1], "streaming") == 0;
@@ -59,7 +38,7 @@ int main(int argc, char** argv) {
             tvk::log::enableDebug(false);
             tvk::desk::VirtualTime& time = desk.card.virtualTime();
             tvk::client::SocketLink link(desk.endpoints.hid().string());
-            CardClock clock(time);
+            SteppedClientClock clock = desk.clientClock();
             tvk::client::Session session(link, clock);
             session.connect();
             const auto begin = time.now();

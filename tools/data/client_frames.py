@@ -16,16 +16,12 @@ Keys of the JSON file. Bytes are hexadecimal texts; a frame is without its paddi
               written to a Linux hidraw node for it
 """
 
-import argparse
 import base64
 import itertools
-import json
 import math
-import pathlib
 import struct
-import sys
 
-TARGET = pathlib.Path(__file__).resolve().parents[2] / "data" / "client" / "hid_vectors.json"
+import vectors
 
 FRAME, REPORT, LIMIT = 63, 64, 32768
 ROOM = FRAME - 3
@@ -345,21 +341,5 @@ def build():
             "bad": [{"about": about, "bytes": data.hex()} for about, data in bad_messages()], "reports": reports}
 
 
-def text():
-    groups = [f' "{key}": [\n' + ",\n".join("  " + json.dumps(item) for item in items) + "\n ]"
-              for key, items in build().items()]
-    return "{\n" + ",\n".join(groups) + "\n}\n"
-
-
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="make them again and compare with the committed file")
-    if not parser.parse_args().check:
-        TARGET.parent.mkdir(parents=True, exist_ok=True)
-        TARGET.write_text(text())
-    elif TARGET.read_text() != text():
-        sys.exit(f"{TARGET.name} differs from what the generator makes")
-
-
 if __name__ == "__main__":
-    main()
+    vectors.main(__doc__, "client/hid_vectors.json", build)

@@ -12,15 +12,11 @@ is one byte; a value is its bytes on the line.
     streams  bytes as they come in, and accepted, what a receiver of 128 bytes takes out of them, in order
 """
 
-import argparse
 import binascii
-import json
 import math
-import pathlib
 import struct
-import sys
 
-TARGET = pathlib.Path(__file__).resolve().parents[2] / "data" / "panel" / "uart_vectors.json"
+import vectors
 
 START, END, ESCAPE = 0xF7, 0x7F, 0x7D
 BUFFER_BYTES = 128
@@ -248,21 +244,5 @@ def build():
             "streams": streams}
 
 
-def text():
-    groups = [f' "{key}": [\n' + ",\n".join("  " + json.dumps(item) for item in items) + "\n ]"
-              for key, items in build().items()]
-    return "{\n" + ",\n".join(groups) + "\n}\n"
-
-
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--check", action="store_true", help="make them again and compare with the committed file")
-    if not parser.parse_args().check:
-        TARGET.parent.mkdir(parents=True, exist_ok=True)
-        TARGET.write_text(text())
-    elif TARGET.read_text() != text():
-        sys.exit(f"{TARGET.name} differs from what the generator makes")
-
-
 if __name__ == "__main__":
-    main()
+    vectors.main(__doc__, "panel/uart_vectors.json", build)

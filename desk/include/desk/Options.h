@@ -1,15 +1,16 @@
 // The desk program's command line.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "desk/PanelPins.h"
 #include "desk/Script.h"
 #include "desk/soundcard/Fault.h"
 #include "desk/soundcard/VirtualCard.h"
+#include "panel/Pins.h"
 
 namespace tvk::desk {
 
@@ -19,8 +20,8 @@ struct Options {
     std::optional<std::string> reportFile;
     bool loop = false;
     std::optional<double> seconds;
-    std::optional<int> product = 0;  // what the panel reports; none for a panel that keeps silent about it
-    PanelPins knobs = demonstrationPins();
+    std::optional<std::int32_t> product = 0;  // what the panel reports; none: it keeps silent about it
+    panel::PinFrames pins;                    // without the straps then
     bool isPanelExternal = false;
     bool isHostPlugged = true;
     Script script;
@@ -29,8 +30,8 @@ struct Options {
     VirtualCard::ClockMode clock = VirtualCard::ClockMode::Real;
     std::vector<Fault> faults;
 
-    // Returns nothing when help was asked for, and was printed. Throws Refusal for a command line that does
-    // not make sense.
+    // Returns nothing when help was asked for, and was printed. Throws Refusal, or panel::Refusal, for a
+    // command line that does not make sense.
     static std::optional<Options> parse(int argc, const char* const* argv);
 };
 

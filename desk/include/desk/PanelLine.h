@@ -8,8 +8,9 @@
 #include <optional>
 #include <string>
 
-#include "desk/ControlProcessor.h"
 #include "desk/PseudoTerminal.h"
+#include "panel/ControlProcessor.h"
+#include "panel/FrameScanner.h"
 
 namespace tvk::desk {
 
@@ -17,7 +18,7 @@ class PanelLine {
 public:
     // Without a control processor the line is the other program's alone. Throws Refusal when the system has
     // no terminal left.
-    explicit PanelLine(std::optional<ControlProcessor> simulated) : simulated_(std::move(simulated)) {}
+    explicit PanelLine(std::optional<panel::ControlProcessor> simulated) : simulated_(std::move(simulated)) {}
 
     // What the amplifier opens, and what the other program opens.
     const std::string& amplifierPath() const { return amplifier_.path(); }
@@ -27,10 +28,13 @@ public:
     void exchange();
 
     // The simulated control processor, where there is one, reports a control's move.
-    void move(const std::string& pin, float value);
+    void move(const panel::Frame& frame);
 
 private:
-    std::optional<ControlProcessor> simulated_;
+    void send(const panel::Frame& frame);
+
+    std::optional<panel::ControlProcessor> simulated_;
+    panel::FrameScanner requests_;
     PseudoTerminal amplifier_;
     PseudoTerminal program_;
 };

@@ -22,7 +22,7 @@ class Peers {
 public:
     struct Setting {
         // None leaves the panel to another program.
-        std::optional<ControlProcessor> controlProcessor;
+        std::optional<panel::ControlProcessor> controlProcessor;
         bool isHostPlugged = true;
         Script script;
     };

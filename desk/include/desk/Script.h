@@ -12,11 +12,11 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "desk/PanelPins.h"
+#include "panel/Frame.h"
 
 namespace tvk::desk {
 
@@ -26,9 +26,9 @@ struct ScriptEvent {
     enum class Kind { Pin, Button, Report, Unplug, Plug };
     std::chrono::nanoseconds at{0};
     Kind kind = Kind::Pin;
-    std::string pin;     // of Pin alone
-    float value = 0.0f;  // of Pin and Button
-    HidReport report{};  // of Report alone
+    std::optional<panel::Frame> frame;  // of Pin alone
+    bool isDown = false;                // of Button alone
+    HidReport report{};                 // of Report alone
 };
 
 // By time; those of one moment in their order.
@@ -36,8 +36,8 @@ class Script {
 public:
     Script() = default;
 
-    // Throws Refusal with file, line and reason for a line that is none of the above.
-    static Script load(const std::filesystem::path& file);
+    // Throws Refusal, or panel::Refusal, with file, line and reason for a line that is none of the above.
+    static Script load(const std::string& file);
 
     // Behind the events of the same moment.
     void add(const ScriptEvent& event);
@@ -51,8 +51,4 @@ private:
     std::vector<ScriptEvent> events_;
     std::size_t next_ = 0;
 };
-
-// "12.5" as time. Throws Refusal, naming what, unless it is a number from 0 to a year.
-std::chrono::nanoseconds readSeconds(const std::string& what, const std::string& text);
-
 }  // namespace tvk::desk

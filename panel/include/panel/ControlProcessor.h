@@ -13,8 +13,8 @@ class ControlProcessor {
 public:
     explicit ControlProcessor(PinFrames pins) : pins_(std::move(pins)) {}
 
-    // GET_PRODUCT_ID is answered with the straps, GET_CURRENT_VALUES with every other pin, by name; nothing
-    // else is.
+    // GET_PRODUCT_ID is answered with the straps, if they are among the pins, GET_CURRENT_VALUES with every
+    // other pin, by name; nothing else is.
     std::vector<Frame> answer(const Frame& request) const;
 
     // A control moves; its frame is to be sent.

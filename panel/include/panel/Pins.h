@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "panel/Frame.h"
 
@@ -42,6 +43,10 @@ Frame readPin(const std::string& where, const std::string& name, const std::stri
 
 // Reads "PIN=VALUE".
 Frame readSetting(const std::string& where, const std::string& setting);
+
+// The pins of the demonstration and that product, with the settings of the option --knob in their places.
+// Throws Refusal likewise, and for the product straps.
+PinFrames readKnobs(std::int32_t product, const std::vector<std::string>& knobs);
 
 // What is wrong with a frame of the panel: its type, its range; empty for nothing.
 std::string faultOfPin(const Pin& pin, const Frame& frame);

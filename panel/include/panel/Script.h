@@ -15,6 +15,18 @@
 
 namespace tvk::panel {
 
+// A line that says something, in words.
+struct ScriptLine {
+    std::string where;  // "FILE:LINE"
+    std::chrono::nanoseconds at;
+    std::vector<std::string> words;  // behind the time; what cannot be printed is escaped
+};
+
+// In the file's order. name: of the file, for messages. Throws Refusal for a line that does not begin with a
+// time, and for a file that cannot be read.
+std::vector<ScriptLine> readScriptLines(std::istream& text, const std::string& name);
+std::vector<ScriptLine> loadScriptLines(const std::string& file);
+
 struct Script {
     struct Move {
         std::chrono::nanoseconds at;
@@ -24,9 +36,8 @@ struct Script {
     std::vector<Move> moves;              // by time; those of one moment in their order
     std::vector<std::string> passedOver;  // "FILE:LINE: button ..."
 
-    // name: of the file, for messages. Throws Refusal with file, line and reason.
-    static Script read(std::istream& text, const std::string& name);
-    static Script load(const std::string& file);
+    // Throws Refusal with file, line and reason.
+    static Script of(const std::vector<ScriptLine>& lines);
 };
 
 // "12.5" as a time. Throws Refusal, unless it is from 0 to a year.

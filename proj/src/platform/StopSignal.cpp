@@ -32,6 +32,11 @@ StopSignal::StopSignal() {
     sigaction(SIGUSR1, &action, &actionBefore_);
 }
 
+void StopSignal::block() {
+    const sigset_t blocked = stopSet();
+    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+}
+
 StopSignal::~StopSignal() {
     const sigset_t set = stopSet();
     const timespec now{};

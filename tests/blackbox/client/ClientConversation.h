@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <complex>
 #include <filesystem>
@@ -14,43 +15,33 @@
 #include <vector>
 
 #include "blackbox/support/HeldDesk.h"
-#include "client/ClientClock.h"
 #include "client/ClientError.h"
 #include "client/Requests.h"
 #include "client/Session.h"
 #include "client/SocketLink.h"
+#include "support/SteppedClientClock.h"
 
-// Each wait of the client lets the desk's time pass, a millisecond at a time.
-class HeldClientClock final : public tvk::client::ClientClock {
-public:
-    explicit HeldClientClock(HeldDesk& desk) : desk_(desk) {}
+// What has passed on the desk.
+inline std::chrono::nanoseconds timeOf(const HeldDesk& desk) {
+    return std::chrono::milliseconds(std::llround(desk.time() * 1e3));
+}
 
-    std::chrono::nanoseconds now() override {
-        return std::chrono::milliseconds(std::llround(desk_.time() * 1e3));
-    }
-    bool runsByItself() const override { return false; }
-    bool receive(tvk::client::Link& link, tvk::client::Report& report,
-                 std::chrono::milliseconds limit) override {
-        for (auto waited = std::chrono::milliseconds(0); !link.receive(report, std::chrono::milliseconds(0));
-             ++waited) {
-            if (waited >= limit) return false;
-            desk_.run(0.001);
-        }
-        return true;
-    }
-
-private:
-    HeldDesk& desk_;
-};
+// Of a client whose waits let the desk's time pass.
+inline SteppedClientClock clientClockOf(HeldDesk& desk) {
+    return {
+        [&desk] { return timeOf(desk); },
+        [&desk](std::chrono::milliseconds step) { desk.run(std::chrono::duration<double>(step).count()); }};
+}
 
 // One program with a connection.
 struct Client {
-    explicit Client(HeldDesk& desk) : link(desk.endpoint("hid")), clock(desk), session(link, clock) {
+    explicit Client(HeldDesk& desk)
+        : link(desk.endpoint("hid")), clock(clientClockOf(desk)), session(link, clock) {
         session.connect();
     }
 
     tvk::client::SocketLink link;
-    HeldClientClock clock;
+    SteppedClientClock clock;
     tvk::client::Session session;
 };
 

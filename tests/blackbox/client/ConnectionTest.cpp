@@ -19,7 +19,7 @@ protected:
 
     // One report from a link that has no session, as the test lets time pass; none within that time.
     std::optional<Report> receive(tvk::client::Link& link, double seconds) {
-        HeldClientClock clock(desk());
+        SteppedClientClock clock = clientClockOf(desk());
         Report report{};
         if (clock.receive(link, report, std::chrono::milliseconds(std::llround(seconds * 1e3))))
             return report;

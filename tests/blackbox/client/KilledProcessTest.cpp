@@ -16,33 +16,15 @@ constexpr int kCuts = 20;
 
 struct Cut {};
 
-// Time ends, and with it the process.
-class EndingClock final : public tvk::client::ClientClock {
-public:
-    EndingClock(HeldDesk& desk, double end) : desk_(desk), end_(end) {}
-
-    std::chrono::nanoseconds now() override {
-        return std::chrono::milliseconds(std::llround(desk_.time() * 1e3));
-    }
-    bool runsByItself() const override { return false; }
-    bool receive(tvk::client::Link& link, tvk::client::Report& report,
-                 std::chrono::milliseconds limit) override {
-        for (auto waited = std::chrono::milliseconds(0); !link.receive(report, std::chrono::milliseconds(0));
-             ++waited) {
-            if (waited >= limit) return false;
-            if (desk_.time() >= end_) {
-                desk_.runAndKill(0.005);
+// A client's clock whose time ends, and with it the process.
+SteppedClientClock endingClock(HeldDesk& desk, double end) {
+    return {[&desk] { return timeOf(desk); },
+            [&desk, end](std::chrono::milliseconds) {
+                if (desk.time() < end) return desk.run(0.001);
+                desk.runAndKill(0.005);
                 throw Cut();
-            }
-            desk_.run(0.001);
-        }
-        return true;
-    }
-
-private:
-    HeldDesk& desk_;
-    const double end_;
-};
+            }};
+}
 
 class KilledProcess : public ClientConversation {
 protected:
@@ -50,7 +32,7 @@ protected:
     std::optional<double> store(int index, double end) try {
         const double start = desk().time();
         tvk::client::SocketLink link(desk().endpoint("hid"));
-        EndingClock clock(desk(), start + end);
+        SteppedClientClock clock = endingClock(desk(), start + end);
         tvk::client::Session session(link, clock);
         session.connect();
         for (const TarvekMessage& request :

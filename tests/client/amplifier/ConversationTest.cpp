@@ -5,7 +5,6 @@
 #include <sstream>
 
 #include "MemoryHid.h"
-#include "client/ClientClock.h"
 #include "client/tool/Tool.h"
 #include "proj/handlers/MessageHandler.h"
 #include "proj/models/CabsimModel.h"
@@ -19,6 +18,7 @@
 #include "proj/network/MessageProcessor.h"
 #include "support/PacedClock.h"
 #include "support/SoundFileBytes.h"
+#include "support/SteppedClientClock.h"
 #include "support/card/EngineOnCard.h"
 
 namespace {
@@ -38,6 +38,15 @@ struct Amplifier {
     Amplifier(const Amplifier&) = delete;
     Amplifier& operator=(const Amplifier&) = delete;
 
+    // Of a client whose waits let the amplifier's time pass.
+    SteppedClientClock clientClock() {
+        return {[this] { return time.now(); },
+                [this](std::chrono::milliseconds step) {
+                    hid.tick();
+                    time.advance(step);
+                }};
+    }
+
     EngineOnCard engine;
     PacedClock time{2};  // the connection's thread and the processor's
     tvk::FactoryIRModel factoryIRs;
@@ -49,26 +58,6 @@ struct Amplifier {
     tvk::SystemInfoModel systemInfo;
     tvk::MessageHandler handler;
     tvk::MessageProcessor processor;
-};
-
-class AmplifierClock final : public tvk::client::ClientClock {
-public:
-    explicit AmplifierClock(Amplifier& amplifier) : amplifier_(amplifier) {}
-    std::chrono::nanoseconds now() override { return amplifier_.time.now(); }
-    bool runsByItself() const override { return false; }
-    bool receive(tvk::client::Link& link, tvk::client::Report& report,
-                 std::chrono::milliseconds limit) override {
-        constexpr std::chrono::milliseconds kStep{1};
-        for (std::chrono::milliseconds waited{0}; !link.receive(report, {}); waited += kStep) {
-            if (waited >= limit) return false;
-            amplifier_.hid.tick();
-            amplifier_.time.advance(kStep);
-        }
-        return true;
-    }
-
-private:
-    Amplifier& amplifier_;
 };
 
 class ClientConversation : public ProductFolders {
@@ -102,7 +91,9 @@ protected:
             errors,
             false,
             [this](const std::string&) { return amplifier->hid.link(); },
-            [this](const std::string&) { return std::make_unique<AmplifierClock>(*amplifier); },
+            [this](const std::string&) {
+                return std::make_unique<SteppedClientClock>(amplifier->clientClock());
+            },
             stop,
             [] {}};
         const int status = tvk::client::runTool(args, environment);
@@ -327,7 +318,7 @@ TEST_F(ClientConversation, FiftyUploadsOfFullSizeTakeLittleMoreThanTheirFrames) 
 TEST_F(ClientConversation, AMessageOfAProgramThatWasKilledDoesNotHarmTheNext) {
     // The first half of an upload.
     const auto link = amplifier->hid.link();
-    AmplifierClock clock(*amplifier);
+    SteppedClientClock clock = amplifier->clientClock();
     tvk::client::Report report{};
     report[0] = '3';
     report[2] = 60;

@@ -1,6 +1,7 @@
 // SIGUSR1, the order to stop: blocked in every thread, and taken by the main thread in its wait alone.
 //
-// Construct it on the main thread before any other thread starts, so that all of them inherit the block.
+// Construct it on the main thread before any other thread starts, so that all of them inherit the block; a
+// program that has threads before that calls block() first.
 // A signal that comes before the wait stays pending and ends the wait at once: it cannot be lost, as it can
 // between a test and pause(2).
 #pragma once
@@ -18,6 +19,9 @@ public:
     ~StopSignal();
     StopSignal(const StopSignal&) = delete;
     StopSignal& operator=(const StopSignal&) = delete;
+
+    // Blocks SIGUSR1 in the calling thread and in those that it starts: it stays pending.
+    static void block();
 
     // Sleeps until the signal arrives, or returns at once when it has. Main thread.
     void wait();
