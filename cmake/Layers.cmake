@@ -17,21 +17,27 @@ function(tarvek_layer name)
   endif()
 endfunction()
 
-# What all test programs are compiled with. The code under test is optimised, its tests are compiled fast.
+# What all test programs are compiled with. The code under test is optimised, its tests are compiled fast; the
+# checks for undefined behaviour, which double the compiler's work, are for the code under test alone.
 function(tarvek_test_options name)
   target_compile_options(${name} PRIVATE -O1)
+  if(TARVEK_SANITIZE STREQUAL "address")
+    target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
+  endif()
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [NATIVE] [ONE_THREAD] [SOURCES <files>...] [DEPENDS <targets>...])
+# tarvek_tests(<name> [NATIVE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
-# One test program of these files, or of all *.cpp in this folder, each test its own ctest entry (the
-# program, where it is emulated).
+# One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; where
+# programs are emulated or sanitized, each program, since it takes longer to start than most tests take to run.
 # NATIVE labels tests that cannot run under emulation, such as those that start
 # programs of ours. ONE_THREAD marks a program in which no second thread runs: the
-# thread sanitizer has nothing to see there, and its build leaves it out.
+# thread sanitizer has nothing to see there, and its build leaves it out. PATIENT
+# names tests that take minutes under a sanitizer, and show it no code that shorter ones do not: they measure,
+# or wait long.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
   if(NOT sources)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp)
@@ -50,15 +56,20 @@ function(tarvek_tests name)
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL TRUE)
     return()
   endif()
-  set(labels)
+  set(properties)
   if(ARG_NATIVE)
-    set(labels LABELS native)
+    # They take the longest, and are started first.
+    set(properties LABELS native COST 100)
   endif()
-  if(CMAKE_CROSSCOMPILING)
-    # An emulated program takes longer to start than most tests take to run.
-    add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ${labels})
+  if(CMAKE_CROSSCOMPILING OR TARVEK_SANITIZE)
+    set(filter)
+    if(ARG_PATIENT AND TARVEK_SANITIZE)
+      list(JOIN ARG_PATIENT ":" patient)
+      set(filter --gtest_filter=-${patient})
+    endif()
+    add_test(NAME ${name} COMMAND ${name} ${filter})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ${properties})
   else()
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 ${labels})
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300 ${properties})
   endif()
 endfunction()

@@ -26,6 +26,11 @@ struct Verb {
     std::string reason{};
 };
 
+void PrintTo(const Verb& verb, std::ostream* out) {
+    for (const std::string& word : verb.words)
+        *out << word << ' ';
+}
+
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> all = {
         {{"amp"},
