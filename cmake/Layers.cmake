@@ -20,22 +20,23 @@ endfunction()
 # What all test programs are compiled with. The code under test is optimised, its tests are compiled fast; the
 # checks for undefined behaviour, which double the compiler's work, are for the code under test alone.
 function(tarvek_test_options name)
-  target_compile_options(${name} PRIVATE -O1)
-  if(TARVEK_SANITIZE STREQUAL "address")
-    target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
+  if(TARVEK_SANITIZE)
+    target_compile_options(${name} PRIVATE -O0 -fno-sanitize=undefined)
+  else()
+    target_compile_options(${name} PRIVATE -O1)
   endif()
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
 # tarvek_tests(<name> [NATIVE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
-# One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; where
-# programs are emulated or sanitized, each program, since it takes longer to start than most tests take to run.
-# NATIVE labels tests that cannot run under emulation, such as those that start
-# programs of ours. ONE_THREAD marks a program in which no second thread runs: the
-# thread sanitizer has nothing to see there, and its build leaves it out. PATIENT
-# names tests that take minutes under a sanitizer, and show it no code that shorter ones do not: they measure,
-# or wait long.
+# One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; with
+# TARVEK_TESTS_BY_PROGRAM, and where programs are emulated or sanitized, each program, since it takes longer to
+# start than most tests take to run.
+# NATIVE marks a program that has nothing to say under emulation: it starts programs of ours, or looks at data
+# alone. A cross build leaves it out. ONE_THREAD marks one in which no second thread runs: the thread sanitizer
+# has nothing to see there, and its build leaves it out. PATIENT names tests that take minutes where they are
+# emulated or sanitized, and run no code there that shorter ones do not: they measure, or wait long.
 function(tarvek_tests name)
   cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
@@ -52,18 +53,22 @@ function(tarvek_tests name)
   if(TARVEK_TEST_PCH)
     target_precompile_headers(${name} REUSE_FROM test_precompiled_headers)
   endif()
-  if(ARG_ONE_THREAD AND TARVEK_SANITIZE STREQUAL "thread")
+  if((ARG_NATIVE AND CMAKE_CROSSCOMPILING) OR (ARG_ONE_THREAD AND TARVEK_SANITIZE STREQUAL "thread"))
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL TRUE)
     return()
   endif()
   set(properties)
-  if(ARG_NATIVE)
+  if(ARG_NATIVE OR ARG_PATIENT)
     # They take the longest, and are started first.
-    set(properties LABELS native COST 100)
+    set(properties COST 100)
   endif()
+  set(isSlow FALSE)
   if(CMAKE_CROSSCOMPILING OR TARVEK_SANITIZE)
+    set(isSlow TRUE)
+  endif()
+  if(isSlow OR TARVEK_TESTS_BY_PROGRAM)
     set(filter)
-    if(ARG_PATIENT AND TARVEK_SANITIZE)
+    if(ARG_PATIENT AND isSlow)
       list(JOIN ARG_PATIENT ":" patient)
       set(filter --gtest_filter=-${patient})
     endif()

@@ -15,6 +15,7 @@
 #include "desk/BlockStatistics.h"
 #include "desk/ClockDoor.h"
 #include "desk/DeskClock.h"
+#include "desk/DeskPlatform.h"
 #include "desk/DeskSession.h"
 #include "desk/Endpoints.h"
 #include "desk/JobStatistics.h"
@@ -129,15 +130,7 @@ int play(const Options& options) {
     Peers peers(endpoints, isVirtual ? &card.virtualTime() : nullptr, std::move(setting));
     DeskSession session(options, endpoints, peers, card, writer);
 
-    Platform platform = productPlatform();
-    platform.homeRoot = root.homeRoot;
-    platform.userData = root.userData;
-    platform.uartDevice = peers.uartDevice();
-    platform.hidDevice = endpoints.hidDevice();
-    platform.gpioRoot = endpoints.gpio();
-    platform.buttonPollEvents = POLLIN;
-    platform.runShell = Endpoints::runShell;
-    platform.clock = &clock;
+    Platform platform = deskPlatform(root, endpoints, peers, clock);
     platform.panelReplayed = [&session] { session.panelReplayed(); };
     platform.blockTimer = &blocks;
     platform.session = [&](Model& model, StopSignal& stop) {

@@ -10,6 +10,7 @@
 
 #include "core/ProductProfile/ProductProfile.h"
 #include "desk/DeskClock.h"
+#include "desk/DeskPlatform.h"
 #include "desk/Endpoints.h"
 #include "desk/Peers.h"
 #include "desk/ProductRoot.h"
@@ -47,15 +48,7 @@ public:
             endpoints, &card.virtualTime(),
             {tvk::panel::ControlProcessor(tvk::panel::demonstrationPins(0)), true, std::move(script)});
         uart_ = open(endpoints.uart().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-        tvk::Platform platform = tvk::productPlatform();
-        platform.homeRoot = root.homeRoot;
-        platform.userData = root.userData;
-        platform.uartDevice = peers.uartDevice();
-        platform.hidDevice = endpoints.hidDevice();
-        platform.gpioRoot = endpoints.gpio();
-        platform.buttonPollEvents = POLLIN;
-        platform.runShell = tvk::desk::Endpoints::runShell;
-        platform.clock = &clock;
+        tvk::Platform platform = tvk::desk::deskPlatform(root, endpoints, peers, clock);
         platform.panelReplayed = [this, &peers, startsHeld] {
             if (replays_++ > 0) return;
             card.beginTransport();

@@ -39,32 +39,32 @@ private:
     VirtualTime* time_ = nullptr;
 };
 
-// Of a sleeper, until its thread's end.
+// Of a sleeper, until its thread's end, which may come after the time's.
 class VirtualTime::Acquaintance {
 public:
-    ~Acquaintance() {
-        if (!time_) return;
-        const std::lock_guard lock(time_->mutex_);
-        --time_->knownSleepers_;
-    }
+    ~Acquaintance() { end(); }
     Acquaintance() = default;
     Acquaintance(const Acquaintance&) = delete;
     Acquaintance& operator=(const Acquaintance&) = delete;
 
-    // With the time's lock held.
-    void make(VirtualTime* time) {
-        if (time_) return;
-        time_ = time;
-        ++time->knownSleepers_;
+    void make(const std::shared_ptr<std::atomic<std::size_t>>& sleepers) {
+        if (sleepers_ == sleepers) return;
+        end();
+        sleepers_ = sleepers;
+        ++*sleepers_;
     }
 
 private:
-    VirtualTime* time_ = nullptr;
+    void end() {
+        if (sleepers_) --*sleepers_;
+    }
+
+    std::shared_ptr<std::atomic<std::size_t>> sleepers_;
 };
 
 bool VirtualTime::areSleepersAsleep() const {
     const std::lock_guard lock(mutex_);
-    return sleepers_.size() == knownSleepers_;
+    return sleepers_.size() == *knownSleepers_;
 }
 
 VirtualTime::Nanoseconds VirtualTime::now() const {
@@ -165,7 +165,7 @@ void VirtualTime::sleepFor(Nanoseconds duration) {
 void VirtualTime::sleep(Nanoseconds duration) {
     thread_local Acquaintance acquaintance;
     std::unique_lock lock(mutex_);
-    acquaintance.make(this);
+    acquaintance.make(knownSleepers_);
     Sleeper self;
     self.deadline = now_ + duration;
     self.thread = pthread_self();

@@ -18,6 +18,7 @@
 #include <condition_variable>
 #include <functional>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <pthread.h>
 #include <sys/types.h>
@@ -102,7 +103,9 @@ private:
     bool isHeld_ = false;  // the audio thread stands at the limit
     int waking_ = 0;       // sleepers told to wake that have not taken notice yet
     std::list<Sleeper*> sleepers_;
-    std::size_t knownSleepers_ = 0;
+    // Shared with the threads that it counts, which may end after this.
+    const std::shared_ptr<std::atomic<std::size_t>> knownSleepers_ =
+        std::make_shared<std::atomic<std::size_t>>(0);
 };
 
 }  // namespace tvk::desk
