@@ -69,8 +69,9 @@ protected:
     }
     // Audio goes on in the waits of the load.
     void load(const char* preset) {
-        const AudioWhileWaiting clock(32.0 / kRate, [this] { cycle(); });
+        isLoading = true;
         processor->loadPreset(preset);
+        isLoading = false;
     }
     std::vector<std::int32_t> lastPeriodWritten() const {
         return {card.written.end() - static_cast<std::ptrdiff_t>(kPeriodWords), card.written.end()};
@@ -81,5 +82,10 @@ protected:
     TestCard& card = scope.card;
     LogRecorder log;
     std::unique_ptr<ProductProfile> profile;
+    bool isLoading = false;
+    // Stands longer than the threads of a loaded amplifier.
+    AudioWhileWaiting clock{32.0 / kRate, [this] {
+                                if (isLoading) cycle();
+                            }};
     std::unique_ptr<AudioProcessor> processor;
 };

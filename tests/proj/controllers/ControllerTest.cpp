@@ -17,6 +17,11 @@ const std::string kUserIRs = "/mnt/user-data/userIRs/";
 
 class ControllerTest : public testing::Test {
 protected:
+    // There is no client's device: the connection says so once, on its own thread.
+    ControllerTest() {
+        amp.clock.advanceUntil([this] { return log.has("Warn Failed to open HID device."); });
+    }
+
     // The lines of one tag, or several, that a call leaves, in order.
     template <typename Call>
     Lines linesOf(const Lines& tags, Call call) {
