@@ -20,10 +20,9 @@ endfunction()
 # What all test programs are compiled with. The code under test is optimised, its tests are compiled fast; the
 # checks for undefined behaviour, which double the compiler's work, are for the code under test alone.
 function(tarvek_test_options name)
-  if(TARVEK_SANITIZE)
+  target_compile_options(${name} PRIVATE -O1)
+  if(TARVEK_SANITIZE STREQUAL "address")
     target_compile_options(${name} PRIVATE -O0 -fno-sanitize=undefined)
-  else()
-    target_compile_options(${name} PRIVATE -O1)
   endif()
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
