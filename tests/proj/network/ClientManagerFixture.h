@@ -52,7 +52,11 @@ public:
 
 class ClientManagerTest : public testing::Test {
 protected:
-    ClientManagerTest() { clients.addObserver(&watcher, 1); }
+    ClientManagerTest() {
+        clients.addObserver(&watcher, 1);
+        // The connection's thread has opened the device and sleeps: opening drops what was there before.
+        clock.advance(0ms);
+    }
     ~ClientManagerTest() override { clock.release(); }
 
     bool isOpen() const { return clients.isConnectionOpen(1); }
