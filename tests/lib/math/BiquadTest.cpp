@@ -298,10 +298,11 @@ TEST(BiquadConcurrencyTest, ASetterOnAnotherThreadIsSeenWholeOrNotAtAll) {
     constexpr int kChanges = 20000;
     std::thread setter([&] {
         for (int i = 0; i < kChanges; ++i)
-            filter.setAll(0.0f, i % 2 ? 100.0f : 15000.0f, i % 3 ? 0.5f : 8.0f);
+            filter.setAll(0.0f, i % 2 ? 9000.0f : 13000.0f, i % 3 ? 0.5f : 0.7f);
     });
     // At 0 dB numerator and denominator agree: whichever design holds, and whatever the state, the filter is
-    // a wire. A mixture of two designs is not.
+    // a wire. A mixture of two designs is not. The poles lie so near to the origin that no sequence of
+    // changes makes the state large, and with it the rounding.
     float worst = 0.0f;
     for (int i = 0; i < 4000; ++i) {
         float block[32];
@@ -313,7 +314,7 @@ TEST(BiquadConcurrencyTest, ASetterOnAnotherThreadIsSeenWholeOrNotAtAll) {
         }
     }
     setter.join();
-    EXPECT_LT(worst, 0.1f);
+    EXPECT_LT(worst, 1e-5f);
 }
 
 }  // namespace
