@@ -61,6 +61,10 @@ function(tarvek_tests name)
     # They take the longest, and are started first.
     set(properties COST 100)
   endif()
+  if(ARG_NATIVE)
+    # One at a time: the audio threads of two amplifiers would take each other's processor.
+    list(APPEND properties RESOURCE_LOCK audio_processor)
+  endif()
   set(isSlow FALSE)
   if(CMAKE_CROSSCOMPILING OR TARVEK_SANITIZE)
     set(isSlow TRUE)
