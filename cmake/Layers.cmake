@@ -20,24 +20,29 @@ endfunction()
 # What all test programs are compiled with. The code under test is optimised, its tests are compiled fast; the
 # checks for undefined behaviour, which double the compiler's work, are for the code under test alone.
 function(tarvek_test_options name)
-  target_compile_options(${name} PRIVATE -O1)
   if(TARVEK_SANITIZE STREQUAL "address")
     target_compile_options(${name} PRIVATE -O0 -fno-sanitize=undefined)
+  else()
+    target_compile_options(${name} PRIVATE -O1)
   endif()
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [NATIVE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
+# tarvek_tests(<name> [NATIVE] [ALONE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
 # One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; with
 # TARVEK_TESTS_BY_PROGRAM, and where programs are emulated or sanitized, each program, since it takes longer to
 # start than most tests take to run.
 # NATIVE marks a program that has nothing to say under emulation: it starts programs of ours, or looks at data
-# alone. A cross build leaves it out. ONE_THREAD marks one in which no second thread runs: the thread sanitizer
-# has nothing to see there, and its build leaves it out. PATIENT names tests that take minutes where they are
-# emulated or sanitized, and run no code there that shorter ones do not: they measure, or wait long.
+# alone. A cross build leaves it out.
+# ALONE marks one with an amplifier's audio threads, which would take those of another their processor: they run
+# one at a time.
+# ONE_THREAD marks one in which no second thread runs: the thread sanitizer has nothing to see there, and its
+# build leaves it out.
+# PATIENT names tests that take minutes where they are emulated or sanitized, and run no code there that shorter
+# ones do not: they measure, or wait long.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "NATIVE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "NATIVE;ALONE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
   if(NOT sources)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp)
@@ -57,12 +62,11 @@ function(tarvek_tests name)
     return()
   endif()
   set(properties)
-  if(ARG_NATIVE OR ARG_PATIENT)
+  if(ARG_ALONE OR ARG_PATIENT)
     # They take the longest, and are started first.
     set(properties COST 100)
   endif()
-  if(ARG_NATIVE)
-    # One at a time: the audio threads of two amplifiers would take each other's processor.
+  if(ARG_ALONE)
     list(APPEND properties RESOURCE_LOCK audio_processor)
   endif()
   set(isSlow FALSE)
