@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "desk/soundcard/Quiescence.h"
+#include "utility/BackgroundJobs.h"
 
 namespace tvk::desk {
 
@@ -11,11 +12,15 @@ namespace {
 // Two threads that start others at once would wait for each other.
 constexpr std::chrono::milliseconds kLongestStart{200};
 
+// Helpers nap until they are given work: looking for it again and again, they would take the processor from
+// those that time waits for.
+constexpr std::chrono::milliseconds kLongestNap{1};
+
 }  // namespace
 
 void DeskClock::nap(std::chrono::nanoseconds duration) {
     const Quiescence::Nap asleep;
-    Clock::nap(duration);
+    BackgroundJobs::awaitBegin(std::max<std::chrono::nanoseconds>(duration, kLongestNap));
 }
 
 void DeskClock::threadStarted() {

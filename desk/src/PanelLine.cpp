@@ -8,14 +8,16 @@ constexpr std::size_t kMostAtOnce = 4096;
 
 }  // namespace
 
-void PanelLine::exchange() {
+bool PanelLine::exchange() {
     const std::vector<std::uint8_t> bytes = amplifier_.read(kMostAtOnce);
     program_.write(bytes);
     for (const panel::Received& received : requests_.take(std::string(bytes.begin(), bytes.end())))
         if (const auto* const request = std::get_if<panel::Frame>(&received); request && simulated_)
             for (const panel::Frame& frame : simulated_->answer(*request))
                 send(frame);
-    amplifier_.write(program_.read(kMostAtOnce));
+    const std::vector<std::uint8_t> answers = program_.read(kMostAtOnce);
+    amplifier_.write(answers);
+    return !bytes.empty() || !answers.empty();
 }
 
 void PanelLine::move(const panel::Frame& frame) {

@@ -24,7 +24,7 @@ Peers::Peers(const Endpoints& endpoints, VirtualTime* time, Setting setting)
     std::filesystem::create_symlink(panel_.programPath(), endpoints.uart());
     if (setting.isHostPlugged) usb_.plug();
     if (time_) {
-        time_->setTick([this] { tick(); });
+        time_->setTick([this] { return tick(); });
     } else {
         thread_ = std::thread([this] { run(); });
         pthread_setname_np(thread_.native_handle(), "DeskPeers");
@@ -54,13 +54,17 @@ std::chrono::nanoseconds Peers::now() const {
     return time_ ? time_->now() : Clock::current().now();
 }
 
-void Peers::tick() {
+bool Peers::tick() {
+    bool isMoved = false;
     const auto start = scriptStart_.load(std::memory_order_relaxed);
     if (start != kNotStarted)
-        while (const ScriptEvent* const event = script_.take(now() - std::chrono::nanoseconds(start)))
+        while (const ScriptEvent* const event = script_.take(now() - std::chrono::nanoseconds(start))) {
             play(*event);
-    panel_.exchange();
-    usb_.exchange();
+            isMoved = true;
+        }
+    isMoved |= panel_.exchange();
+    isMoved |= usb_.exchange();
+    return isMoved;
 }
 
 void Peers::play(const ScriptEvent& event) {

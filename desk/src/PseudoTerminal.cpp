@@ -63,10 +63,11 @@ void PseudoTerminal::write(std::span<const std::uint8_t> bytes) {
         sched_yield();
 }
 
-void PseudoTerminal::setFlow(bool isFlowing) {
-    if (isFlowing == isFlowing_) return;
+bool PseudoTerminal::setFlow(bool isFlowing) {
+    if (isFlowing == isFlowing_) return false;
     isFlowing_ = isFlowing;
     tcflow(slave_, isFlowing ? TCOON : TCOOFF);
+    return true;
 }
 
 int PseudoTerminal::waitingAtSlave() const {

@@ -47,12 +47,13 @@ void UsbPort::unplug() {
     dropHost();
 }
 
-void UsbPort::exchange() {
-    acceptHost();
-    if (!line_) return;
-    carryToDevice();
-    carryToHost();
-    if (host_ == -1) acceptHost();
+bool UsbPort::exchange() {
+    bool isMoved = acceptHost();
+    if (!line_) return isMoved;
+    isMoved |= carryToDevice();
+    isMoved |= carryToHost();
+    if (host_ == -1) isMoved |= acceptHost();
+    return isMoved;
 }
 
 void UsbPort::send(const HidReport& report) {
@@ -60,15 +61,16 @@ void UsbPort::send(const HidReport& report) {
 }
 
 // A program whose end has not been seen yet does not keep the next one out; what it sent last goes first.
-void UsbPort::acceptHost() {
+bool UsbPort::acceptHost() {
     pollfd host{host_, POLLRDHUP, 0};
-    if (host_ != -1 && poll(&host, 1, 0) > 0) return;
+    if (host_ != -1 && poll(&host, 1, 0) > 0) return false;
     const int program = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (program == -1) return;
+    if (program == -1) return false;
     if (!line_ || host_ != -1)
         close(program);
     else
         host_ = program;
+    return true;
 }
 
 void UsbPort::dropHost() {
@@ -76,8 +78,8 @@ void UsbPort::dropHost() {
     host_ = -1;
 }
 
-void UsbPort::carryToDevice() {
-    if (host_ == -1) return;
+bool UsbPort::carryToDevice() {
+    if (host_ == -1) return false;
     std::array<std::uint8_t, kReportBytes + 1> packet{};
     const ssize_t count = recv(host_, packet.data(), packet.size(), MSG_DONTWAIT);
     const bool isGone = count == 0 || (count == -1 && errno != EAGAIN && errno != EINTR);
@@ -89,17 +91,19 @@ void UsbPort::carryToDevice() {
         std::fprintf(
             stderr,
             "tarvek-desk: a packet that is not 64 bytes long was dropped; send one report a packet\n");
+    return isGone || count > 0;
 }
 
-void UsbPort::carryToHost() {
+bool UsbPort::carryToHost() {
     const bool isRead = host_ != -1 || isHostSimulated_;
-    line_->setFlow(isRead && toHost_.size() < kReportBytes);
-    if (!isRead) return;
+    bool isMoved = line_->setFlow(isRead && toHost_.size() < kReportBytes);
+    if (!isRead) return isMoved;
     if (toHost_.size() < kReportBytes) {
         const std::vector<std::uint8_t> more = line_->read(kReportBytes - toHost_.size());
         toHost_.insert(toHost_.end(), more.begin(), more.end());
+        isMoved |= !more.empty();
     }
-    if (toHost_.size() < kReportBytes) return;
+    if (toHost_.size() < kReportBytes) return isMoved;
     if (host_ == -1) {
         toHost_.clear();
     } else if (::send(host_, toHost_.data(), toHost_.size(), MSG_DONTWAIT | MSG_NOSIGNAL) > 0) {
@@ -107,6 +111,7 @@ void UsbPort::carryToHost() {
     } else if (errno != EAGAIN && errno != EINTR) {
         dropHost();
     }
+    return isMoved || toHost_.empty();
 }
 
 }  // namespace tvk::desk

@@ -113,6 +113,17 @@ TEST_F(PanelLineTest, AMoveIsReportedOnceAndStandsFromThenOn) {
     EXPECT_EQ(answerTo("GET_CURRENT_VALUES").find("PA_4")->second, kOne);
 }
 
+TEST_F(PanelLineTest, TellsWhetherAnythingWasCarried) {
+    beginWithPanel(0);
+    EXPECT_FALSE(line_->exchange());
+    request("GET_PRODUCT_ID");
+    EXPECT_TRUE(line_->exchange());
+    EXPECT_FALSE(line_->exchange());
+    program_->write(std::vector<std::uint8_t>{0x11});
+    EXPECT_TRUE(line_->exchange());
+    EXPECT_FALSE(line_->exchange());
+}
+
 TEST_F(PanelLineTest, APanelWithoutStrapsKeepsSilentAboutTheAmplifier) {
     panel::PinFrames pins = panel::demonstrationPins(0);
     pins.erase(panel::kProductPin);

@@ -77,6 +77,22 @@ TEST_F(UsbPortTest, CarriesOneReportEachWayAtATime) {
     EXPECT_FALSE(program->receive(got, 0ms));
 }
 
+TEST_F(UsbPortTest, TellsWhetherAnythingMoved) {
+    begin();
+    EXPECT_FALSE(port_->exchange());
+    auto program = host();
+    EXPECT_TRUE(port_->exchange()) << "a host came";
+    EXPECT_FALSE(port_->exchange());
+    ASSERT_TRUE(program->send(reportOf(1)));
+    EXPECT_TRUE(port_->exchange());
+    EXPECT_FALSE(port_->exchange());
+    EXPECT_EQ(amplifierSends(reportOf(2)), 64);
+    EXPECT_TRUE(port_->exchange());
+    EXPECT_FALSE(port_->exchange());
+    program.reset();
+    EXPECT_TRUE(port_->exchange()) << "the host went";
+}
+
 TEST_F(UsbPortTest, WithoutAHostTheDeviceIsBusy) {
     begin();
     port_->exchange();

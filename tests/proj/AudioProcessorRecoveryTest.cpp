@@ -82,17 +82,17 @@ TEST_F(AudioProcessorTest, AStartThatFailsIsAWarning) {
 TEST_F(AudioProcessorTest, ADeviceThatIsGoneIsTriedOncePerPeriod) {
     build();
     cycles(3);
-    NotedClock clock;
+    NotedClock noted;
     card.onCapture = [](long, long) { return -ENODEV; };
     cycle();
-    EXPECT_TRUE(clock.sleeps.empty()) << "one failure restarts at once";
+    EXPECT_TRUE(noted.sleeps.empty()) << "one failure restarts at once";
     cycles(4);
-    ASSERT_EQ(clock.sleeps.size(), 4u);
-    for (const std::chrono::nanoseconds sleep : clock.sleeps)
+    ASSERT_EQ(noted.sleeps.size(), 4u);
+    for (const std::chrono::nanoseconds sleep : noted.sleeps)
         EXPECT_EQ(sleep, std::chrono::nanoseconds(725624));  // 32 / 44100 s
     card.onCapture = nullptr;
     cycles(3);
-    EXPECT_EQ(clock.sleeps.size(), 4u);
+    EXPECT_EQ(noted.sleeps.size(), 4u);
     EXPECT_EQ(processor->getXrunCount(), 5);
 }
 

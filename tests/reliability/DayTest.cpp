@@ -17,6 +17,7 @@
 #include "client/Requests.h"
 #include "client/Session.h"
 #include "client/SocketLink.h"
+#include "desk/soundcard/Quiescence.h"
 #include "proj/models/Model.h"
 #include "reliability/DeskAmplifier.h"
 #include "reliability/LiveAllocations.h"
@@ -105,12 +106,9 @@ protected:
         ASSERT_FALSE(response_.empty());
     }
 
-    // Whoever has ever slept sleeps again, or is at something that needs the card.
-    void awaitSleepers() {
+    void awaitRest() {
         tvk::BackgroundJobs::waitUntilIdle();
-        const auto end = std::chrono::steady_clock::now() + 2ms;
-        while (!desk_.card.virtualTime().areSleepersAsleep() && std::chrono::steady_clock::now() < end)
-            tvk::Clock::current().nap(5us);
+        others_.await();
     }
 
     void run(std::chrono::nanoseconds duration) { desk_.card.virtualTime().run(duration); }
@@ -186,6 +184,7 @@ protected:
 
     const int seconds_ = daySeconds();
     DeskAmplifier desk_;
+    tvk::desk::Quiescence others_;
     std::string response_;
     int sessions_ = 0;
 };
@@ -198,7 +197,7 @@ TEST_F(Day, LeavesNothingBehind) {
     long xruns = 0;
     const auto start = std::chrono::steady_clock::now();
     desk_.run(
-        cableOf(seconds_), true, [this] { awaitSleepers(); },
+        cableOf(seconds_), true, [this] { awaitRest(); },
         [&](Model& model) {
             tvk::log::enableDebug(false);
             run(1s);

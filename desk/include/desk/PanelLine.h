@@ -24,8 +24,8 @@ public:
     const std::string& amplifierPath() const { return amplifier_.path(); }
     const std::string& programPath() const { return program_.path(); }
 
-    // Carries all that has been sent since the last call.
-    void exchange();
+    // Carries all that has been sent since the last call; false when that is nothing.
+    bool exchange();
 
     // The simulated control processor, where there is one, reports a control's move.
     void move(const panel::Frame& frame);

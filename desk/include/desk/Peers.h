@@ -43,7 +43,8 @@ public:
 private:
     void run();
     std::chrono::nanoseconds now() const;
-    void tick();
+    // Whether anything was moved.
+    bool tick();
     void play(const ScriptEvent& event);
 
     const Endpoints& endpoints_;

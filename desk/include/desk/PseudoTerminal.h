@@ -31,8 +31,8 @@ public:
     // of its own. What finds the line full is lost, as on a wire.
     void write(std::span<const std::uint8_t> bytes);
 
-    // While the flow is stopped the program's writes take nothing.
-    void setFlow(bool isFlowing);
+    // While the flow is stopped the program's writes take nothing. Whether that is a change.
+    bool setFlow(bool isFlowing);
 
 private:
     int waitingAtSlave() const;

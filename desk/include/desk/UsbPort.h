@@ -32,17 +32,17 @@ public:
     void plug();
     void unplug();
 
-    // Moves at most one report each way.
-    void exchange();
+    // Moves at most one report each way; false when nothing came, went or changed.
+    bool exchange();
 
     // One more report from the host.
     void send(const HidReport& report);
 
 private:
-    void acceptHost();
+    bool acceptHost();
     void dropHost();
-    void carryToDevice();
-    void carryToHost();
+    bool carryToDevice();
+    bool carryToHost();
 
     const std::filesystem::path device_;
     const bool isHostSimulated_;

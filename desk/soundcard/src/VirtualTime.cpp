@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 #include "desk/soundcard/Quiescence.h"
 
@@ -13,9 +15,12 @@ namespace tvk::desk {
 
 namespace {
 
-std::string nameOf(pthread_t thread) {
+// Longer than most turns take, shorter than anybody waits for: a look at all threads takes over then.
+constexpr std::chrono::microseconds kLongestShortTurn{100};
+
+std::string nameOfThisThread() {
     char name[16] = "";
-    pthread_getname_np(thread, name, sizeof name);
+    prctl(PR_GET_NAME, name);
     return name;
 }
 
@@ -38,34 +43,6 @@ public:
 private:
     VirtualTime* time_ = nullptr;
 };
-
-// Of a sleeper, until its thread's end, which may come after the time's.
-class VirtualTime::Acquaintance {
-public:
-    ~Acquaintance() { end(); }
-    Acquaintance() = default;
-    Acquaintance(const Acquaintance&) = delete;
-    Acquaintance& operator=(const Acquaintance&) = delete;
-
-    void make(const std::shared_ptr<std::atomic<std::size_t>>& sleepers) {
-        if (sleepers_ == sleepers) return;
-        end();
-        sleepers_ = sleepers;
-        ++*sleepers_;
-    }
-
-private:
-    void end() {
-        if (sleepers_) --*sleepers_;
-    }
-
-    std::shared_ptr<std::atomic<std::size_t>> sleepers_;
-};
-
-bool VirtualTime::areSleepersAsleep() const {
-    const std::lock_guard lock(mutex_);
-    return sleepers_.size() == *knownSleepers_;
-}
 
 VirtualTime::Nanoseconds VirtualTime::now() const {
     const std::lock_guard lock(mutex_);
@@ -95,9 +72,13 @@ void VirtualTime::rest(std::unique_lock<std::mutex>& lock) {
 
 void VirtualTime::waitUntil(Nanoseconds deadline) {
     std::unique_lock lock(mutex_);
+    bool isAnyoneAtWork = true;
+    const auto restAfterWork = [&] {
+        if (std::exchange(isAnyoneAtWork, false)) rest(lock);
+    };
     while (now_ < deadline) {
         if (isReleased_) return passInMachineTime(deadline, lock);
-        rest(lock);
+        restAfterWork();
         const auto first = firstSleeper();
         const bool isSleeperNext = first != sleepers_.end() && (*first)->deadline <= deadline;
         Nanoseconds next = isSleeperNext ? (*first)->deadline : deadline;
@@ -105,22 +86,26 @@ void VirtualTime::waitUntil(Nanoseconds deadline) {
         if (isTickNext) next = nextTick_;
         if (next > limit_ && !isReleased_) {
             holdAtLimit(lock);
+            isAnyoneAtWork = true;
             continue;
         }
         now_ = std::max(now_, next);
-        if (isTickNext)
-            tick(lock);
-        else if (isSleeperNext)
+        if (isTickNext) {
+            isAnyoneAtWork = tick(lock);
+        } else if (isSleeperNext) {
             wake(first, lock);
+            isAnyoneAtWork = true;
+        }
     }
-    rest(lock);
+    restAfterWork();
 }
 
-void VirtualTime::tick(std::unique_lock<std::mutex>& lock) {
+bool VirtualTime::tick(std::unique_lock<std::mutex>& lock) {
     nextTick_ += kTick;
     lock.unlock();
-    tick_();
+    const bool hasGivenWork = tick_();
     lock.lock();
+    return hasGivenWork;
 }
 
 // A card that nobody holds back would take the processor from whoever ends the run.
@@ -141,17 +126,22 @@ void VirtualTime::holdAtLimit(std::unique_lock<std::mutex>& lock) {
 
 std::list<VirtualTime::Sleeper*>::iterator VirtualTime::firstSleeper() {
     return std::min_element(sleepers_.begin(), sleepers_.end(), [](const Sleeper* a, const Sleeper* b) {
-        return a->deadline != b->deadline ? a->deadline < b->deadline : nameOf(a->thread) < nameOf(b->thread);
+        return a->deadline != b->deadline ? a->deadline < b->deadline : a->thread < b->thread;
     });
 }
 
 void VirtualTime::wake(std::list<Sleeper*>::iterator which, std::unique_lock<std::mutex>& lock) {
     Sleeper* const sleeper = *which;
+    const std::size_t asleep = sleepers_.size();
     sleepers_.erase(which);
     sleeper->isAwake = true;
     ++waking_;
     sleeper->wake.notify_one();
-    changed_.wait(lock, [this] { return waking_ == 0; });
+    // Mostly the turn ends in the next sleep, of which the thread itself tells sooner than the kernel.
+    do
+        fellAsleep_.wait_for(lock, kLongestShortTurn,
+                             [&] { return waking_ == 0 && sleepers_.size() == asleep; });
+    while (waking_ != 0);
 }
 
 void VirtualTime::sleepFor(Nanoseconds duration) {
@@ -163,13 +153,12 @@ void VirtualTime::sleepFor(Nanoseconds duration) {
 }
 
 void VirtualTime::sleep(Nanoseconds duration) {
-    thread_local Acquaintance acquaintance;
     std::unique_lock lock(mutex_);
-    acquaintance.make(knownSleepers_);
     Sleeper self;
     self.deadline = now_ + duration;
-    self.thread = pthread_self();
+    self.thread = nameOfThisThread();
     sleepers_.push_back(&self);
+    fellAsleep_.notify_one();
     const auto machineDeadline = std::chrono::steady_clock::now() + duration;
     const bool wasReleased = isReleased_;
     // Ends before whoever woke it is told that it has come: from then on its work is seen.
@@ -181,12 +170,10 @@ void VirtualTime::sleep(Nanoseconds duration) {
             break;
     }
     asleep.reset();
-    if (self.isAwake) {
+    if (self.isAwake)
         --waking_;
-        changed_.notify_all();
-    } else {
+    else
         sleepers_.remove(&self);
-    }
 }
 
 void VirtualTime::hold() {
@@ -201,6 +188,8 @@ bool VirtualTime::run(Nanoseconds duration) {
         limit_ += duration;
         isHeld_ = false;
         changed_.notify_all();
+        // The audio thread stands still before this returns: its looks need not include the caller.
+        const Quiescence::Nap asleep;
         changed_.wait(lock, [this] { return isHeld_ || isReleased_; });
     }
     rest(lock);

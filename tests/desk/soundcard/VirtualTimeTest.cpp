@@ -181,6 +181,30 @@ TEST_F(VirtualTimeTest, WhatASleeperSetsOffIsOverBeforeTimeMovesOn) {
     EXPECT_EQ(answeredAt, 2500us);
 }
 
+TEST_F(VirtualTimeTest, WhatATickSetsOffIsOverBeforeTimeMovesOn) {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isAsked = false;
+    Nanoseconds answeredAt{};
+    std::thread worker([&] {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return isAsked; });
+        for (volatile int n = 0; n < 30000000;)
+            n = n + 1;
+        answeredAt = time.now();
+    });
+    time.setTick([&] {
+        if (time.now() != 3ms) return false;
+        const std::lock_guard lock(mutex);
+        isAsked = true;
+        changed.notify_one();
+        return true;
+    });
+    audio(1, [&](int) { time.waitUntil(10ms); }).join();
+    worker.join();
+    EXPECT_EQ(answeredAt, 3ms);
+}
+
 TEST_F(VirtualTimeTest, HeldTimeMovesByWhatItIsToldAndNoFurther) {
     time.hold();
     std::thread mover = audio(10);

@@ -1,11 +1,10 @@
 #include <atomic>
-#include <functional>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <thread>
 #include <utility>
 
 #include "utility/BackgroundJobs.h"
-#include "utility/Clock.h"
 #include "utility/HelperStall.h"
 
 namespace {
@@ -25,34 +24,63 @@ TEST(BackgroundJobs, CountsWhatIsHandedOverAndNotDone) {
     EXPECT_EQ(BackgroundJobs::pending(), 0);
 }
 
-// Runs a look of the test's own at every nap.
-class LookClock : public tvk::Clock {
-public:
-    explicit LookClock(std::function<void()> look) : look_(std::move(look)) { install(this); }
-    ~LookClock() override { install(nullptr); }
-
-    std::chrono::nanoseconds now() override { return std::chrono::nanoseconds{0}; }
-    void sleepFor(std::chrono::nanoseconds) override {
-        ADD_FAILURE() << "a helper is waited for in machine time";
-    }
-    void nap(std::chrono::nanoseconds) override { look_(); }
-    int poll(pollfd*, nfds_t, std::chrono::milliseconds) override { return 0; }
-
-private:
-    const std::function<void()> look_;
-};
-
-TEST(BackgroundJobs, WaitingNapsUntilTheLastJobIsDone) {
-    int looks = 0;
-    const LookClock clock([&] {
-        if (++looks >= 5) BackgroundJobs::end();
+// The helper of a test: ends `jobs`, one after the other, and counts them.
+std::thread helper(int jobs, std::atomic<int>& done) {
+    return std::thread([jobs, &done] {
+        for (int i = 0; i < jobs; ++i) {
+            std::this_thread::yield();
+            ++done;
+            BackgroundJobs::end();
+        }
     });
-    for (int i = 0; i < 3; ++i)
+}
+
+TEST(BackgroundJobs, WaitingEndsWithTheLastJob) {
+    for (int round = 0; round < 100; ++round) {
+        constexpr int kJobs = 3;
+        std::atomic<int> done{0};
+        for (int i = 0; i < kJobs; ++i)
+            BackgroundJobs::begin();
+        std::thread worker = helper(kJobs, done);
+        BackgroundJobs::waitUntilIdle();
+        EXPECT_EQ(done, kJobs);
+        worker.join();
+    }
+    BackgroundJobs::waitUntilIdle();
+}
+
+constexpr std::chrono::hours kForEver{24};
+
+TEST(BackgroundJobs, AHelperIsWokenByEachJob) {
+    constexpr int kJobs = 1000;
+    std::atomic<int> handedOver{0};
+    int taken = 0;
+    std::thread worker([&] {
+        while (taken < kJobs) {
+            BackgroundJobs::awaitBegin(kForEver);
+            for (; handedOver > taken; ++taken)
+                BackgroundJobs::end();
+        }
+    });
+    for (int i = 0; i < kJobs; ++i) {
+        ++handedOver;
         BackgroundJobs::begin();
-    BackgroundJobs::waitUntilIdle();
-    EXPECT_EQ(looks, 7);
-    BackgroundJobs::waitUntilIdle();
-    EXPECT_EQ(looks, 7) << "nothing was pending";
+        BackgroundJobs::waitUntilIdle();
+    }
+    worker.join();
+    EXPECT_EQ(taken, kJobs);
+}
+
+TEST(BackgroundJobs, AJobSinceTheLastCallIsNotWaitedFor) {
+    BackgroundJobs::awaitBegin(std::chrono::nanoseconds(1));
+    BackgroundJobs::begin();
+    BackgroundJobs::end();
+    BackgroundJobs::awaitBegin(kForEver);
+}
+
+TEST(BackgroundJobs, AHelperWithoutWorkWaitsNoLongerThanAsked) {
+    BackgroundJobs::awaitBegin(std::chrono::nanoseconds(1));
+    BackgroundJobs::awaitBegin(std::chrono::nanoseconds(1));
 }
 
 TEST(HelperStall, HoldsHelpersOfItsNameUntilItEnds) {

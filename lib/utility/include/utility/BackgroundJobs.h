@@ -5,11 +5,14 @@
 // the machine in real time gives.
 #pragma once
 
+#include <chrono>
+
 namespace tvk {
 
 class BackgroundJobs {
 public:
-    // A job is handed over; one relaxed atomic step, any thread, the audio thread too.
+    // A job is handed over: a few atomic steps, any thread, the audio thread too. Whoever waits is woken by a
+    // call to the kernel; the live process never waits here.
     static void begin();
 
     // `jobs` jobs are done: called by the helper after its results can be seen.
@@ -18,8 +21,12 @@ public:
     // Jobs handed over and not done.
     static int pending();
 
-    // Naps until nothing is pending. Control threads and the renderer.
+    // Returns when nothing is pending. Whoever makes time.
     static void waitUntilIdle();
+
+    // Returns when a job has been handed over since this thread's last call, or after `atMost` of the
+    // machine's time; the first call returns at once. For helpers, in place of looking again and again.
+    static void awaitBegin(std::chrono::nanoseconds atMost);
 };
 
 }  // namespace tvk

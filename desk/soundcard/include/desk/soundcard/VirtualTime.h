@@ -18,9 +18,8 @@
 #include <condition_variable>
 #include <functional>
 #include <list>
-#include <memory>
 #include <mutex>
-#include <pthread.h>
+#include <string>
 #include <sys/types.h>
 
 namespace tvk::desk {
@@ -43,9 +42,10 @@ public:
     void setAwaitRest(std::function<void()> awaitRest) { awaitRest_ = std::move(awaitRest); }
 
     // What is to be done in every millisecond of this time, on the audio thread, before the sleepers of that
-    // moment wake; empty for nothing. Set it before the audio thread is marked.
+    // moment wake; empty for nothing. Tells whether it may have given another thread work. Set it before the
+    // audio thread is marked.
     static constexpr std::chrono::milliseconds kTick{1};
-    void setTick(std::function<void()> tick) { tick_ = std::move(tick); }
+    void setTick(std::function<bool()> tick) { tick_ = std::move(tick); }
 
     // Moves time forward to `deadline`, waking sleepers on the way. Returns at once if that is past. One
     // thread.
@@ -53,9 +53,6 @@ public:
 
     // Sleeps; on the marked thread, moves time. Any thread.
     void sleepFor(Nanoseconds duration);
-
-    // Whether every thread that has ever slept here sleeps now. Any thread.
-    bool areSleepersAsleep() const;
 
     // Time stands still from here on: the audio thread waits in its next waitUntil. Any thread.
     void hold();
@@ -74,16 +71,15 @@ public:
 private:
     struct Sleeper {
         Nanoseconds deadline;
-        pthread_t thread;
+        std::string thread;
         bool isAwake = false;
         std::condition_variable wake;
     };
     class Mark;
-    class Acquaintance;
 
     bool isMachineTime() const { return isReleased_ || audioThread() == 0; }
     void rest(std::unique_lock<std::mutex>& lock);
-    void tick(std::unique_lock<std::mutex>& lock);
+    bool tick(std::unique_lock<std::mutex>& lock);
     void passInMachineTime(Nanoseconds deadline, std::unique_lock<std::mutex>& lock);
     void holdAtLimit(std::unique_lock<std::mutex>& lock);
     std::list<Sleeper*>::iterator firstSleeper();
@@ -92,9 +88,10 @@ private:
     void endOfAudioThread();
 
     std::function<void()> awaitRest_;
-    std::function<void()> tick_;
+    std::function<bool()> tick_;
     mutable std::mutex mutex_;
-    std::condition_variable changed_;  // hold, release, and who came to wait or to wake
+    std::condition_variable changed_;  // hold, release, and who came to wait
+    std::condition_variable fellAsleep_;
     Nanoseconds now_{0};
     Nanoseconds nextTick_{0};
     Nanoseconds limit_ = Nanoseconds::max();
@@ -103,9 +100,6 @@ private:
     bool isHeld_ = false;  // the audio thread stands at the limit
     int waking_ = 0;       // sleepers told to wake that have not taken notice yet
     std::list<Sleeper*> sleepers_;
-    // Shared with the threads that it counts, which may end after this.
-    const std::shared_ptr<std::atomic<std::size_t>> knownSleepers_ =
-        std::make_shared<std::atomic<std::size_t>>(0);
 };
 
 }  // namespace tvk::desk
