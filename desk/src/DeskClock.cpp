@@ -12,15 +12,19 @@ namespace {
 // Two threads that start others at once would wait for each other.
 constexpr std::chrono::milliseconds kLongestStart{200};
 
-// Helpers nap until they are given work: looking for it again and again, they would take the processor from
-// those that time waits for.
-constexpr std::chrono::milliseconds kLongestNap{1};
+// A helper that looked for work all the time would take the processor from those that time waits for.
+constexpr std::chrono::milliseconds kLongestWaitForAJob{1};
 
 }  // namespace
 
 void DeskClock::nap(std::chrono::nanoseconds duration) {
     const Quiescence::Nap asleep;
-    BackgroundJobs::awaitBegin(std::max<std::chrono::nanoseconds>(duration, kLongestNap));
+    Clock::nap(duration);
+}
+
+void DeskClock::awaitJob(std::chrono::nanoseconds duration) {
+    const Quiescence::Nap asleep;
+    BackgroundJobs::awaitBegin(std::max<std::chrono::nanoseconds>(duration, kLongestWaitForAJob));
 }
 
 void DeskClock::threadStarted() {

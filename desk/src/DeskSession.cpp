@@ -38,10 +38,11 @@ void DeskSession::start() {
 
 void DeskSession::printReady() const {
     const bool isVirtual = options_.clock == VirtualCard::ClockMode::Virtual;
+    std::string product = options_.product ? std::to_string(*options_.product) : "none";
+    if (options_.isPanelExternal) product = "external";
     std::printf("ready root=%s product=%s clock-mode=%s uart=%s hid=%s button=%s", options_.root.c_str(),
-                options_.product ? std::to_string(*options_.product).c_str() : "none",
-                isVirtual ? "virtual" : "real", endpoints_.uart().c_str(), endpoints_.hid().c_str(),
-                endpoints_.button().c_str());
+                product.c_str(), isVirtual ? "virtual" : "real", endpoints_.uart().c_str(),
+                endpoints_.hid().c_str(), endpoints_.button().c_str());
     if (options_.isHeld) std::printf(" clock=%s", endpoints_.clock().c_str());
     std::printf("\n");
 }

@@ -54,8 +54,7 @@ Fault readFault(const std::string& text) {
     }
 }
 
-// A year of sound; beyond it frame counts would still hold, but nobody means it.
-constexpr double kMostSeconds = 366.0 * 24.0 * 3600.0;
+constexpr double kMostSeconds = std::chrono::duration<double>(panel::kLongestTime).count();
 
 void refuseDuration(double seconds) {
     if (!std::isfinite(seconds) || seconds <= 0.0 || seconds > kMostSeconds)

@@ -7,7 +7,7 @@ namespace tvk::desk {
 namespace fs = std::filesystem;
 
 ProductRoot ProductRoot::open(const fs::path& folder) {
-    const ProductRoot root{folder / "home" / "root", folder / "mnt" / "user-data"};
+    ProductRoot root{folder / "home" / "root", folder / "mnt" / "user-data"};
     try {
         fs::create_directories(folder);
         if (fs::is_empty(folder)) {

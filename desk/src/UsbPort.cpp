@@ -104,13 +104,12 @@ bool UsbPort::carryToHost() {
         isMoved |= !more.empty();
     }
     if (toHost_.size() < kReportBytes) return isMoved;
-    if (host_ == -1) {
+    const bool isTaken =
+        host_ == -1 || ::send(host_, toHost_.data(), toHost_.size(), MSG_DONTWAIT | MSG_NOSIGNAL) > 0;
+    if (isTaken)
         toHost_.clear();
-    } else if (::send(host_, toHost_.data(), toHost_.size(), MSG_DONTWAIT | MSG_NOSIGNAL) > 0) {
-        toHost_.clear();
-    } else if (errno != EAGAIN && errno != EINTR) {
+    else if (errno != EAGAIN && errno != EINTR)
         dropHost();
-    }
     return isMoved || toHost_.empty();
 }
 

@@ -16,7 +16,7 @@ namespace tvk::panel {
 
 namespace {
 
-constexpr double kYearSeconds = 366.0 * 24.0 * 3600.0;
+constexpr double kMostSeconds = std::chrono::duration<double>(kLongestTime).count();
 
 bool isOfTheDesk(const std::string& word) {
     constexpr std::array kWords = {"button", "hid", "plug", "unplug"};
@@ -38,7 +38,7 @@ std::chrono::nanoseconds readSeconds(const std::string& where, const std::string
     const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), seconds);
     const bool isNumber = fault == std::errc() && end == text.data() + text.size();
     // A not-a-number lies in no range.
-    if (!isNumber || !(seconds >= 0.0 && seconds <= kYearSeconds))
+    if (!isNumber || !(seconds >= 0.0 && seconds <= kMostSeconds))
         throw Refusal(where + ": '" + text + "' is no time in seconds, from 0 to a year, such as 1.5");
     return std::chrono::nanoseconds(std::llround(seconds * 1e9));
 }

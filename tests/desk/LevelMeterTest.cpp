@@ -1,6 +1,6 @@
+#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <vector>
 
 #include "desk/LevelMeter.h"
 
@@ -9,9 +9,9 @@ using tvk::desk::LevelMeter;
 
 TEST(LevelMeter, SquareWaveReadsItsHeightInPeakAndRms) {
     LevelMeter meter;
-    std::vector<FrameRing::Frame> frames;
-    for (int i = 0; i < 1000; ++i)
-        frames.push_back({i % 2 ? 0.5f : -0.5f, i % 2 ? -0.125f : 0.125f});
+    std::array<FrameRing::Frame, 1000> frames{};
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        frames[i] = {i % 2 ? 0.5f : -0.5f, i % 2 ? -0.125f : 0.125f};
     meter.add(frames.data(), 400);
     meter.add(frames.data() + 400, 600);
     EXPECT_EQ(meter.frames(), 1000u);

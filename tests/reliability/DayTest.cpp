@@ -193,7 +193,7 @@ protected:
 
 TEST_F(Day, LeavesNothingBehind) {
     std::vector<Minute> minutes;
-    minutes.reserve(static_cast<std::size_t>(seconds_ / kMinute + 1));
+    minutes.reserve(static_cast<std::size_t>(seconds_) / kMinute + 1);
     long xruns = 0;
     const auto start = std::chrono::steady_clock::now();
     desk_.run(

@@ -5,6 +5,7 @@
 #include <malloc.h>
 
 // The allocator's own entries, which glibc exports for the purpose.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
@@ -12,6 +13,7 @@ void* __libc_realloc(void* memory, size_t size);
 void* __libc_memalign(size_t alignment, size_t size);
 void __libc_free(void* memory);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 

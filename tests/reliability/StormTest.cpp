@@ -30,7 +30,6 @@ namespace fs = std::filesystem;
 namespace requests = tvk::client::requests;
 using namespace std::chrono_literals;
 using tvk::client::ClientError;
-using tvk::client::Exchange;
 
 namespace {
 

@@ -16,6 +16,9 @@ public:
 
     void nap(std::chrono::nanoseconds duration) override;
 
+    // Until there is a job, and now and then for the thread's own sake.
+    void awaitJob(std::chrono::nanoseconds duration) override;
+
     void threadStarted() override;
 
     // With a limit, looks at the descriptors every millisecond of the card's time; without, waits for the

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <stdexcept>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -92,6 +93,13 @@ unsigned long linksOfTasks() {
     return stat(kTasks, &status) == 0 ? status.st_nlink : 0;
 }
 
+// How often threads of this process have begun to wait.
+long fallenAsleep() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_nvcsw;
+}
+
 pid_t thisThread() {
     return static_cast<pid_t>(syscall(SYS_gettid));
 }
@@ -134,7 +142,8 @@ bool Quiescence::await(std::chrono::nanoseconds atMost) {
 
 bool Quiescence::isQuiet() {
     if (!isUpToDate()) listTasks();
-    return allWait() && allWait();
+    const long before = fallenAsleep();
+    return allWait() && fallenAsleep() == before;
 }
 
 bool Quiescence::isUpToDate() const {
@@ -158,9 +167,7 @@ void Quiescence::listTasks() {
     if (tasks_.empty()) throw std::runtime_error(std::string(kTasks) + "/*/syscall cannot be read");
 }
 
-// Each call looks in the order opposite to the one before.
 bool Quiescence::allWait() {
-    std::reverse(tasks_.begin(), tasks_.end());
     const pid_t caller = thisThread();
     for (const Task& task : tasks_) {
         if (task.id == caller || task.id == leftOut_ || isNapping(task.id)) continue;

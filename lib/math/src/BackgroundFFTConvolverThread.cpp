@@ -15,6 +15,6 @@ BackgroundFFTConvolverThread::~BackgroundFFTConvolverThread() {
 }
 
 void BackgroundFFTConvolverThread::loop() {
-    tvk::Clock::current().nap(sleepMicroseconds_);
+    tvk::Clock::current().awaitJob(sleepMicroseconds_);
     convolver_.runTail();
 }

@@ -40,7 +40,10 @@ struct Script {
     static Script of(const std::vector<ScriptLine>& lines);
 };
 
-// "12.5" as a time. Throws Refusal, unless it is from 0 to a year.
+// A year: beyond it counts would still hold, but nobody means it.
+constexpr std::chrono::hours kLongestTime{366 * 24};
+
+// "12.5" as a time. Throws Refusal, unless it is from 0 to kLongestTime.
 std::chrono::nanoseconds readSeconds(const std::string& where, const std::string& text);
 
 }  // namespace tvk::panel

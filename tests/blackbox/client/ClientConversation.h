@@ -36,7 +36,7 @@ inline SteppedClientClock clientClockOf(HeldDesk& desk) {
 // One program with a connection.
 struct Client {
     explicit Client(HeldDesk& desk)
-        : link(desk.endpoint("hid")), clock(clientClockOf(desk)), session(link, clock) {
+        : link(desk.readyText("hid")), clock(clientClockOf(desk)), session(link, clock) {
         session.connect();
     }
 

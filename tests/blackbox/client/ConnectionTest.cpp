@@ -43,7 +43,7 @@ protected:
 }  // namespace
 
 TEST_F(Connection, OpensByteForByteAndOnce) {
-    tvk::client::SocketLink link(desk().endpoint("hid"));
+    tvk::client::SocketLink link(desk().readyText("hid"));
     EXPECT_TRUE(link.send(getAmplifier_));
     EXPECT_EQ(receive(link, 0.1), notOpen_);
     EXPECT_TRUE(link.send(request_));
@@ -53,7 +53,7 @@ TEST_F(Connection, OpensByteForByteAndOnce) {
 }
 
 TEST_F(Connection, LapsesAfterFiveSecondsOfSilenceAndNotBefore) {
-    tvk::client::SocketLink link(desk().endpoint("hid"));
+    tvk::client::SocketLink link(desk().readyText("hid"));
     link.send(request_);
     EXPECT_EQ(receive(link, 0.1), response_);
     desk().run(4.9);
@@ -70,7 +70,7 @@ TEST_F(Connection, ANextProgramTakesOverAndASecondIsTurnedAway) {
     connect();
     hangUp();
     connect();  // told that it is open already
-    tvk::client::SocketLink second(desk().endpoint("hid"));
+    tvk::client::SocketLink second(desk().readyText("hid"));
     desk().run(0.05);
     Report report{};
     EXPECT_THROW(second.receive(report, std::chrono::milliseconds(0)), tvk::client::ClientError);
@@ -81,7 +81,7 @@ TEST_F(Connection, ANextProgramTakesOverAndASecondIsTurnedAway) {
 TEST_F(Connection, SurvivesGarbageBetweenItsMessages) {
     connect();
     hangUp();
-    tvk::client::SocketLink raw(desk().endpoint("hid"));
+    tvk::client::SocketLink raw(desk().readyText("hid"));
     for (int seed = 0; seed < 200; ++seed) {
         Report garbage{};
         for (std::size_t i = 0; i < garbage.size(); ++i)
@@ -154,7 +154,7 @@ TEST_F(Connection, ABatchEndsWithItsConnection) {
 TEST_F(Connection, AHostThatStopsReadingLosesRepliesAndNothingElse) {
     connect();
     hangUp();
-    tvk::client::SocketLink deaf(desk().endpoint("hid"));
+    tvk::client::SocketLink deaf(desk().readyText("hid"));
     // The socket holds so many reports before the amplifier finds the link busy, and then its queue fills.
     for (int i = 0; i < 1500; ++i) {
         deaf.send(getAmplifier_);

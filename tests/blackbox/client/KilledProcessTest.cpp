@@ -31,7 +31,7 @@ protected:
     // Stores a response, a filter and a setting; how long it took, or nothing when time ended on the way.
     std::optional<double> store(int index, double end) try {
         const double start = desk().time();
-        tvk::client::SocketLink link(desk().endpoint("hid"));
+        tvk::client::SocketLink link(desk().readyText("hid"));
         SteppedClientClock clock = endingClock(desk(), start + end);
         tvk::client::Session session(link, clock);
         session.connect();

@@ -26,8 +26,8 @@ protected:
     // Runs it to its end, with the desk's clock in its hand.
     Outcome run(const std::string& verb) {
         desk().lendClock();
-        const std::string command = std::string(TARVEK_CLIENT_PROGRAM) + " --hid " + desk().endpoint("hid") +
-                                    " --clock " + desk().endpoint("clock") + " " + verb + " 2>&1";
+        const std::string command = std::string(TARVEK_CLIENT_PROGRAM) + " --hid " + desk().readyText("hid") +
+                                    " --clock " + desk().readyText("clock") + " " + verb + " 2>&1";
         Outcome outcome{-1, {}};
         std::FILE* const pipe = popen(command.c_str(), "r");
         char text[4096];

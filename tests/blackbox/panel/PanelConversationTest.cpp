@@ -132,6 +132,7 @@ TEST_F(PanelConversation, BeginsWithThreeRequestsAndNothingElse) {
 
 TEST_F(PanelConversation, StaysSilentUntilThePanelTellsTheAmplifier) {
     HeldDesk& desk = start({"--external-panel"});
+    EXPECT_EQ(desk.readyText("product"), "external");
     desk.turn("PB_0", 0.5f);
     desk.turn("PA_4", 0.5f);
     desk.run(0.5);

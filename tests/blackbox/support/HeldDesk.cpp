@@ -45,10 +45,10 @@ HeldDesk::HeldDesk(const std::filesystem::path& folder, const std::vector<std::s
         process_.outputLines()[static_cast<std::size_t>(process_.findLine("ready root="))]);
     for (std::string word; words >> word;)
         if (const std::size_t equals = word.find('='); equals != std::string::npos)
-            endpoints_.emplace_back(word.substr(0, equals), word.substr(equals + 1));
-    uart_ = open(endpoint("uart").c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    button_ = open(endpoint("button").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    clock_ = connectTo(endpoint("clock"));
+            readyTexts_.emplace_back(word.substr(0, equals), word.substr(equals + 1));
+    uart_ = open(readyText("uart").c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    button_ = open(readyText("button").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    clock_ = connectTo(readyText("clock"));
 }
 
 HeldDesk::~HeldDesk() {
@@ -83,7 +83,7 @@ void HeldDesk::lendClock() {
 }
 
 void HeldDesk::takeClockBack() {
-    clock_ = connectTo(endpoint("clock"));
+    clock_ = connectTo(readyText("clock"));
     run(0.0);
 }
 
@@ -110,8 +110,8 @@ void HeldDesk::press(bool isDown) const {
     writeAll(button_, isDown ? "1\n" : "0\n");
 }
 
-const std::string& HeldDesk::endpoint(const std::string& name) const {
-    for (const auto& [key, value] : endpoints_)
+const std::string& HeldDesk::readyText(const std::string& name) const {
+    for (const auto& [key, value] : readyTexts_)
         if (key == name) return value;
     throw std::runtime_error("the ready line names no " + name);
 }

@@ -46,8 +46,8 @@ public:
 
     void press(bool isDown) const;
 
-    // One text of the ready line: uart, hid, button, clock.
-    const std::string& endpoint(const std::string& name) const;
+    // One text of the ready line: product, uart, hid, button, clock and so on.
+    const std::string& readyText(const std::string& name) const;
 
     DeskProcess& process() { return process_; }
 
@@ -58,7 +58,7 @@ private:
     void request(double seconds) const;
 
     DeskProcess process_;
-    std::vector<std::pair<std::string, std::string>> endpoints_;
+    std::vector<std::pair<std::string, std::string>> readyTexts_;
     int uart_ = -1;
     int button_ = -1;
     int clock_ = -1;

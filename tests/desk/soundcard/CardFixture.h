@@ -20,7 +20,7 @@ using Period = std::vector<std::int32_t>;
 inline snd_pcm_t* openPcm(snd_pcm_stream_t stream, snd_pcm_format_t format = SND_PCM_FORMAT_S24_LE) {
     snd_pcm_t* pcm = nullptr;
     EXPECT_EQ(snd_pcm_open(&pcm, "hw:0,0", stream, 0), 0);
-    snd_pcm_hw_params_t* hardware;
+    snd_pcm_hw_params_t* hardware = nullptr;
     snd_pcm_hw_params_alloca(&hardware);
     snd_pcm_hw_params_any(pcm, hardware);
     EXPECT_EQ(snd_pcm_hw_params_set_access(pcm, hardware, SND_PCM_ACCESS_RW_INTERLEAVED), 0);
@@ -36,7 +36,7 @@ inline snd_pcm_t* openPcm(snd_pcm_stream_t stream, snd_pcm_format_t format = SND
     snd_pcm_uframes_t period = 0;
     snd_pcm_hw_params_get_period_size(hardware, &period, nullptr);
     EXPECT_EQ(period, 32u);
-    snd_pcm_sw_params_t* software;
+    snd_pcm_sw_params_t* software = nullptr;
     snd_pcm_sw_params_alloca(&software);
     snd_pcm_sw_params_current(pcm, software);
     EXPECT_EQ(snd_pcm_sw_params_set_start_threshold(pcm, software, 0x7FFFFFFF), 0);

@@ -45,7 +45,7 @@ TEST_F(Card, OtherRateIsNotOffered) {
     configure(settings);
     snd_pcm_t* pcm = nullptr;
     ASSERT_EQ(snd_pcm_open(&pcm, "hw:0,0", SND_PCM_STREAM_CAPTURE, 0), 0);
-    snd_pcm_hw_params_t* hardware;
+    snd_pcm_hw_params_t* hardware = nullptr;
     snd_pcm_hw_params_alloca(&hardware);
     snd_pcm_hw_params_any(pcm, hardware);
     unsigned rate = 44100;
@@ -75,7 +75,7 @@ TEST_F(Card, GuitarsArriveOnTheirSensitiveAndRobustChannels) {
     for (int i = 0; i < kFrames; ++i) {
         const double normal = 0.01 * (i + 1);
         const double vibrato = -0.005 * (i + 1);
-        const std::int32_t* const frame = &period[static_cast<std::size_t>(i * kChannels)];
+        const std::int32_t* const frame = &period[static_cast<std::size_t>(i) * kChannels];
         // Half a step of rounding, and the rounding of the samples to 32-bit floats.
         const double tolerance = 0.5 + kScale24 * 6e-8;
         EXPECT_NEAR(frame[0], std::max(vibrato * 10.0 * kScale24, -kScale24), 10.0 * tolerance);
@@ -128,7 +128,7 @@ TEST_F(Card, LoopedGuitarStartsAgainWithoutAGap) {
         ASSERT_EQ(read(period), kFrames);
         ASSERT_EQ(write(silence_), kFrames);
         for (int frame = 0; frame < kFrames; ++frame)
-            ASSERT_EQ(period[static_cast<std::size_t>(frame * kChannels + 3)],
+            ASSERT_EQ(period[static_cast<std::size_t>(frame) * kChannels + 3],
                       ((i * kFrames + frame) % 40 + 1) << 13);
     }
 }

@@ -26,7 +26,7 @@ protected:
     }
 
     // Moves time in periods of 1 ms on a thread of its own; others are at rest before each.
-    std::thread audio(int periods, std::function<void(int)> period = {}) {
+    std::thread audio(int periods, const std::function<void(int)>& period = {}) {
         return std::thread([this, periods, period] {
             time.markAudioThread();
             isMarked.store(true);

@@ -34,7 +34,7 @@ CorvinArvel65ReverbThread::~CorvinArvel65ReverbThread() {
 }
 
 void CorvinArvel65ReverbThread::loop() {
-    tvk::Clock::current().nap(sleepMicroseconds_);
+    tvk::Clock::current().awaitJob(sleepMicroseconds_);
     const tvk::RealtimeThreadScope realtime;
     while (handover_.takeRequest()) {
         tvk::HelperStall::pass(kName);

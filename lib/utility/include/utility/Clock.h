@@ -19,9 +19,13 @@ public:
     // Blocks the calling thread; resumes after signals until the whole time has passed.
     virtual void sleepFor(std::chrono::nanoseconds duration) = 0;
 
-    // The pause between two looks at what another thread does: helpers looking for work, whoever waits for a
-    // helper. In the machine's time, whatever this clock's is: the other thread works in that.
+    // The pause between two looks at what another thread does. In the machine's time, whatever this clock's
+    // is: the other thread works in that.
     virtual void nap(std::chrono::nanoseconds duration);
+
+    // A helper's nap before it looks for a job again. A clock that makes its own time may end it when there
+    // is one, and let it last while there is none.
+    virtual void awaitJob(std::chrono::nanoseconds duration) { nap(duration); }
 
     // Told by whoever has started a thread, right after: a clock that makes its own time lets the new thread
     // come to its first wait before its starter goes on, so that every run starts alike.

@@ -1,9 +1,8 @@
 // Are all other threads of this process waiting: for a clock, for a lock, or for data that has not come?
 //
 // The kernel is asked: /proc/self/task/*/syscall names the call that a thread is blocked in. A thread that
-// runs, wants to run, or is blocked in anything else (a disk, say) is at work. Two looks, the second in the
-// opposite order, must agree, lest one thread wakes another behind the look's back and falls asleep before
-// it.
+// runs, wants to run, or is blocked in anything else (a disk, say) is at work. None may have fallen asleep
+// during the look, lest one thread wakes another behind its back and falls asleep before it.
 //
 // Linux from 2.6.27 on, with CONFIG_HAVE_ARCH_TRACEHOOK, as all of Debian's kernels have it.
 #pragma once

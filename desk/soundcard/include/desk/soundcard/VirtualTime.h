@@ -70,7 +70,7 @@ public:
 
 private:
     struct Sleeper {
-        Nanoseconds deadline;
+        Nanoseconds deadline{0};
         std::string thread;
         bool isAwake = false;
         std::condition_variable wake;
