@@ -35,6 +35,7 @@ using tvk::desk::VirtualCard;
 namespace {
 
 constexpr int kMinute = 60;
+constexpr int kHour = 60 * kMinute;
 
 // Within each minute; the rest of it belongs to the knobs. A connection lapses five seconds after its last
 // message, before the minute ends.
@@ -158,8 +159,13 @@ protected:
         return count == 0 ? 0.0 : std::sqrt(sum / static_cast<double>(count));
     }
 
-    Minute endOfMinute() const {
+    static Minute endOfMinute() {
         return {LiveAllocations::now(), entriesOf("/proc/self/fd"), entriesOf("/proc/self/task")};
+    }
+    static void tell(std::size_t minutes, const Minute& last) {
+        std::printf("after %zu min: %ld live allocations, %ld bytes, %ld descriptors, %ld threads\n", minutes,
+                    last.live.pieces, last.live.bytes, last.descriptors, last.threads);
+        std::fflush(stdout);
     }
 
     void playSecond(int second) {
@@ -205,6 +211,7 @@ TEST_F(Day, LeavesNothingBehind) {
             for (int second = 0; second < seconds_; ++second) {
                 playSecond(second);
                 if (second % kMinute == kMinute - 1) minutes.push_back(endOfMinute());
+                if (second % kHour == kHour - 1) tell(minutes.size(), minutes.back());
             }
             xruns = model.getXrunCount();
         });
