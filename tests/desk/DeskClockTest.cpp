@@ -5,6 +5,7 @@
 
 #include "desk/DeskClock.h"
 #include "desk/soundcard/Quiescence.h"
+#include "utility/BackgroundJobs.h"
 
 using tvk::desk::DeskClock;
 using tvk::desk::VirtualTime;
@@ -12,11 +13,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class DeskClockPoll : public ::testing::Test {
+class DeskClockTest : public ::testing::Test {
 protected:
-    ~DeskClockPoll() override { ::close(event_.fd); }
+    ~DeskClockTest() override { ::close(event_.fd); }
 
-    DeskClockPoll() {
+    DeskClockTest() {
         time_.setAwaitRest([this] { others_.await(); });
     }
 
@@ -49,23 +50,31 @@ protected:
 
 }  // namespace
 
-TEST_F(DeskClockPoll, TimesOutInCardTime) {
+TEST_F(DeskClockTest, APollTimesOutInCardTime) {
     EXPECT_EQ(pollWhileTimeMoves(25ms, 60ms), 0);
     EXPECT_EQ(returnedAt_, 25ms);
 }
 
-TEST_F(DeskClockPoll, ReadyDescriptorReturnsAtOnce) {
+TEST_F(DeskClockTest, APollOfAReadyDescriptorReturnsAtOnce) {
     eventfd_write(event_.fd, 1);
     EXPECT_EQ(pollWhileTimeMoves(25ms, 60ms), 1);
     EXPECT_EQ(returnedAt_, 0ms);
 }
 
-TEST_F(DeskClockPoll, ZeroTimeoutOnlyLooks) {
+TEST_F(DeskClockTest, APollWithZeroTimeoutOnlyLooks) {
     EXPECT_EQ(pollWhileTimeMoves(0ms, 60ms), 0);
     EXPECT_EQ(returnedAt_, 0ms);
 }
 
-TEST_F(DeskClockPoll, WithoutALimitItWaitsForTheDataItself) {
+TEST_F(DeskClockTest, AJobEndsAHelpersWait) {
+    clock_.awaitJob(1ns);
+    tvk::BackgroundJobs::begin();
+    tvk::BackgroundJobs::end();
+    clock_.awaitJob(24h);
+    EXPECT_EQ(time_.now(), 0ms);
+}
+
+TEST_F(DeskClockTest, APollWithoutALimitWaitsForTheDataItself) {
     eventfd_write(event_.fd, 1);
     EXPECT_EQ(clock_.poll(&event_, 1, -1ms), 1);
     EXPECT_EQ(time_.now(), 0ms);
