@@ -27,12 +27,13 @@ constexpr int kGuitarBlocks = 86 * bench::Case::kBlocksPerTurn;
 constexpr int kRounds = 10;
 constexpr double kLastRoundSeconds = 25.0;
 constexpr int kRepeatsPerRound = 5;
+constexpr int kRefused = 2;
 constexpr int kReferenceRepeatsPerRound = 100;
 
 std::vector<float> loadGuitar(const std::string& path) {
     const tvk::GuitarFile file(path, static_cast<int>(bench::kSampleRateHz));
     std::vector<float> guitar = file.input(0);
-    guitar.resize(static_cast<std::size_t>(kGuitarBlocks * bench::kBlockLength));
+    guitar.resize(static_cast<std::size_t>(kGuitarBlocks) * bench::kBlockLength);
     return guitar;
 }
 
@@ -133,9 +134,7 @@ void registerBenchmarks(const std::vector<float>& guitar) {
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     CLI::App app{"The cost of a 32-frame block of every part of the sound, with a guitar as its input."};
     std::string summaryPath;
     std::string guitarPath = TARVEK_BENCH_GUITAR;
@@ -148,24 +147,30 @@ int main(int argc, char** argv) {
     app.footer("Other options go to Google Benchmark, for example --benchmark_filter=valve");
     CLI11_PARSE(app, argc, argv);
 
+    const std::vector<float> guitar = loadGuitar(guitarPath);
+    if (!summaryPath.empty()) {
+        writeSummary(summaryPath, guitar);
+        return 0;
+    }
+    std::vector<std::string> extras = app.remaining();
+    std::vector<char*> arguments{argv[0]};
+    for (std::string& extra : extras)
+        arguments.push_back(extra.data());
+    int count = static_cast<int>(arguments.size());
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return kRefused;
+    registerBenchmarks(guitar);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
     try {
-        const std::vector<float> guitar = loadGuitar(guitarPath);
-        if (!summaryPath.empty()) {
-            writeSummary(summaryPath, guitar);
-            return 0;
-        }
-        std::vector<std::string> extras = app.remaining();
-        std::vector<char*> arguments{argv[0]};
-        for (std::string& extra : extras)
-            arguments.push_back(extra.data());
-        int count = static_cast<int>(arguments.size());
-        benchmark::Initialize(&count, arguments.data());
-        if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-        registerBenchmarks(guitar);
-        benchmark::RunSpecifiedBenchmarks();
+        return run(argc, argv);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "tarvek-bench: %s\n", error.what());
-        return 2;
+        return kRefused;
     }
-    return 0;
 }

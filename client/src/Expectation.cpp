@@ -14,10 +14,10 @@ constexpr int kNotOpen = 2;
 constexpr unsigned kListFull = 1;
 
 struct Rule {
-    Kind request;
-    Kind reply;
-    Kind refusal;                  // none: TYPE_NOT_SET
-    unsigned error;                // the refusal's number
+    Kind request{};
+    Kind reply{};
+    Kind refusal{};                // none: TYPE_NOT_SET
+    unsigned error = 0;            // the refusal's number
     bool isListFollowing = false;  // of the cabinet slots
 };
 

@@ -21,6 +21,7 @@
 #include "proj/runner/Runner.h"
 #include "support/TemporaryFolder.h"
 #include "support/card/TestCard.h"
+#include "utility/Log.h"
 
 namespace {
 
@@ -71,6 +72,8 @@ protected:
     void start() {
         int ends[2];
         ASSERT_EQ(pipe(ends), 0);
+        // The child would inherit, and say, what audio threads of earlier tests have left.
+        tvk::log::drainRealtimeRing();
         child = fork();
         ASSERT_NE(child, -1);
         if (child == 0) {

@@ -31,9 +31,8 @@ void play(Conversation& conversation, int number, bool isKeptGoing, Understand c
         if (understood.isConnecting) conversation.connect();
         understood.play(conversation);
     } catch (const ClientError& error) {
-        const ClientError placed = atLine(number, error);
-        if (!isKeptGoing) throw placed;
-        conversation.fail(placed);
+        if (!isKeptGoing) throw atLine(number, error);
+        conversation.fail(atLine(number, error));
     }
 }
 

@@ -80,7 +80,7 @@ template <const Term& T>
 
 // Nested in the four positions, so that each of the 93 factors costs one multiplication and addition.
 [[gnu::always_inline]] inline ToneCircuitPolynomials polynomials(double b, double m, double t, double v) {
-    ToneCircuitPolynomials p;
+    ToneCircuitPolynomials p{};
     p.n1 = v * (14725000000. * m + 250625000000. * b + 625000000. * t);
     p.n2 = v * (m * (1286250. + 117793750. * b) + 24812500. * b + 9187500. * t);
     p.n3 = v * b * (73437.5 * t + 10281.25 * m);

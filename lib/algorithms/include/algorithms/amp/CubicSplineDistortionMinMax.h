@@ -38,7 +38,7 @@ public:
 private:
     int length_;
     float inputRange_;
-    fft::CubicSegments curve_;
+    fft::CubicSegments curve_{};
     const fft::VectorKernels* kernels_;
     float zeroInputOutput_;
 };

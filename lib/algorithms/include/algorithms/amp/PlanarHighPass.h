@@ -22,5 +22,5 @@ public:
 
 private:
     const fft::VectorKernels* kernels_;
-    fft::HighPassRecursion recursion_;
+    fft::HighPassRecursion recursion_{};
 };

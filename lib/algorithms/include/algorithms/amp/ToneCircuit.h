@@ -83,7 +83,7 @@ private:
     OnePoleRamp treble_;
     OnePoleRamp volume_;
     const double k_;
-    Run run_;
+    Run run_{};
     // The columns all hold the values that the ramps rest at.
     bool isDesignedAtRest_ = false;
     // The first four are the last samples of the run before, oldest first.
