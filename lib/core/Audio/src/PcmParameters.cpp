@@ -48,7 +48,7 @@ int setBuffer(snd_pcm_t* handle, snd_pcm_hw_params_t* hardware, const PcmConfigu
 }
 
 int setHardwareParameters(snd_pcm_t* handle, const PcmConfiguration& configuration) {
-    snd_pcm_hw_params_t* hardware;
+    snd_pcm_hw_params_t* hardware = nullptr;
     snd_pcm_hw_params_alloca(&hardware);
     int result = checked(snd_pcm_hw_params_any(handle, hardware), "Can not configure this PCM device. %s");
     if (result >= 0)
@@ -65,7 +65,7 @@ int setHardwareParameters(snd_pcm_t* handle, const PcmConfiguration& configurati
 }
 
 int setSoftwareParameters(snd_pcm_t* handle) {
-    snd_pcm_sw_params_t* software;
+    snd_pcm_sw_params_t* software = nullptr;
     snd_pcm_sw_params_alloca(&software);
     int result =
         checked(snd_pcm_sw_params_current(handle, software), "Unable to determine current swParams: %s");
