@@ -27,8 +27,9 @@ constexpr int kGuitarBlocks = 86 * bench::Case::kBlocksPerTurn;
 constexpr int kRounds = 10;
 constexpr double kLastRoundSeconds = 25.0;
 constexpr int kRepeatsPerRound = 5;
-constexpr int kRefused = 2;
 constexpr int kReferenceRepeatsPerRound = 100;
+
+constexpr int kRefused = 2;  // exit status
 
 std::vector<float> loadGuitar(const std::string& path) {
     const tvk::GuitarFile file(path, static_cast<int>(bench::kSampleRateHz));

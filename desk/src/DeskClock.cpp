@@ -24,7 +24,7 @@ void DeskClock::nap(std::chrono::nanoseconds duration) {
 
 void DeskClock::awaitJob(std::chrono::nanoseconds duration) {
     const Quiescence::Nap asleep;
-    BackgroundJobs::awaitBegin(std::max<std::chrono::nanoseconds>(duration, kLongestWaitForAJob));
+    BackgroundJobs::awaitHandOver(std::max<std::chrono::nanoseconds>(duration, kLongestWaitForAJob));
 }
 
 void DeskClock::threadStarted() {

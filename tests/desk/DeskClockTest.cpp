@@ -69,6 +69,7 @@ TEST_F(DeskClockTest, APollWithZeroTimeoutOnlyLooks) {
 TEST_F(DeskClockTest, AJobEndsAHelpersWait) {
     clock_.awaitJob(1ns);
     tvk::BackgroundJobs::begin();
+    tvk::BackgroundJobs::handedOver();
     tvk::BackgroundJobs::end();
     clock_.awaitJob(24h);
     EXPECT_EQ(time_.now(), 0ms);

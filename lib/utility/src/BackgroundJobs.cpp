@@ -15,11 +15,12 @@ std::atomic<int> pendingJobs{0};
 std::atomic<int> waitingForIdle{0};
 
 // All that were ever handed over, modulo its range; helpers wait for it to change.
-std::atomic<std::uint32_t> begunJobs{0};
+std::atomic<std::uint32_t> handedOverJobs{0};
 std::atomic<int> waitingHelpers{0};
-static_assert(sizeof begunJobs == sizeof(std::uint32_t) && std::atomic<std::uint32_t>::is_always_lock_free);
+static_assert(sizeof handedOverJobs == sizeof(std::uint32_t) &&
+              std::atomic<std::uint32_t>::is_always_lock_free);
 
-// How long who waits for all jobs goes without a look of its own.
+// Whoever waits for all jobs looks again at the latest then, should a wake-up be lost.
 constexpr timespec kLongestBlindness{0, 1'000'000};
 
 void wakeAll(const void* word) {
@@ -30,9 +31,12 @@ void wakeAll(const void* word) {
 
 void BackgroundJobs::begin() {
     pendingJobs.fetch_add(1, std::memory_order_relaxed);
+}
+
+void BackgroundJobs::handedOver() {
     // Sequentially consistent on both sides: either the helper sees the job, or it is seen waiting.
-    begunJobs.fetch_add(1);
-    if (waitingHelpers.load() != 0) wakeAll(&begunJobs);
+    handedOverJobs.fetch_add(1);
+    if (waitingHelpers.load() != 0) wakeAll(&handedOverJobs);
 }
 
 void BackgroundJobs::end(int jobs) {
@@ -52,13 +56,13 @@ void BackgroundJobs::waitUntilIdle() {
     }
 }
 
-void BackgroundJobs::awaitBegin(std::chrono::nanoseconds atMost) {
-    thread_local std::uint32_t seen = begunJobs.load() - 1;
+void BackgroundJobs::awaitHandOver(std::chrono::nanoseconds atMost) {
+    thread_local std::uint32_t seen = handedOverJobs.load() - 1;
     const timespec longest{atMost.count() / 1'000'000'000, atMost.count() % 1'000'000'000};
     waitingHelpers.fetch_add(1);
-    syscall(SYS_futex, &begunJobs, FUTEX_WAIT_PRIVATE, seen, &longest);
+    syscall(SYS_futex, &handedOverJobs, FUTEX_WAIT_PRIVATE, seen, &longest);
     waitingHelpers.fetch_sub(1);
-    seen = begunJobs.load();
+    seen = handedOverJobs.load();
 }
 
 }  // namespace tvk

@@ -57,14 +57,15 @@ TEST(BackgroundJobs, AHelperIsWokenByEachJob) {
     int taken = 0;
     std::thread worker([&] {
         while (taken < kJobs) {
-            BackgroundJobs::awaitBegin(kForEver);
+            BackgroundJobs::awaitHandOver(kForEver);
             for (; handedOver > taken; ++taken)
                 BackgroundJobs::end();
         }
     });
     for (int i = 0; i < kJobs; ++i) {
-        ++handedOver;
         BackgroundJobs::begin();
+        ++handedOver;
+        BackgroundJobs::handedOver();
         BackgroundJobs::waitUntilIdle();
     }
     worker.join();
@@ -72,15 +73,16 @@ TEST(BackgroundJobs, AHelperIsWokenByEachJob) {
 }
 
 TEST(BackgroundJobs, AJobSinceTheLastCallIsNotWaitedFor) {
-    BackgroundJobs::awaitBegin(std::chrono::nanoseconds(1));
+    BackgroundJobs::awaitHandOver(std::chrono::nanoseconds(1));
     BackgroundJobs::begin();
+    BackgroundJobs::handedOver();
     BackgroundJobs::end();
-    BackgroundJobs::awaitBegin(kForEver);
+    BackgroundJobs::awaitHandOver(kForEver);
 }
 
 TEST(BackgroundJobs, AHelperWithoutWorkWaitsNoLongerThanAsked) {
-    BackgroundJobs::awaitBegin(std::chrono::nanoseconds(1));
-    BackgroundJobs::awaitBegin(std::chrono::nanoseconds(1));
+    BackgroundJobs::awaitHandOver(std::chrono::nanoseconds(1));
+    BackgroundJobs::awaitHandOver(std::chrono::nanoseconds(1));
 }
 
 TEST(HelperStall, HoldsHelpersOfItsNameUntilItEnds) {
