@@ -50,9 +50,10 @@ void UsbPort::unplug() {
 bool UsbPort::exchange() {
     bool isMoved = acceptHost();
     if (!line_) return isMoved;
+    const bool hadHost = host_ != -1;
     isMoved |= carryToDevice();
     isMoved |= carryToHost();
-    if (host_ == -1) isMoved |= acceptHost();
+    if (hadHost && host_ == -1) isMoved |= acceptHost();
     return isMoved;
 }
 
@@ -62,8 +63,9 @@ void UsbPort::send(const HidReport& report) {
 
 // A program whose end has not been seen yet does not keep the next one out; what it sent last goes first.
 bool UsbPort::acceptHost() {
-    pollfd host{host_, POLLRDHUP, 0};
-    if (host_ != -1 && poll(&host, 1, 0) > 0) return false;
+    pollfd ends[] = {{listener_, POLLIN, 0}, {host_, POLLRDHUP, 0}};  // no host is not looked at
+    const bool isSomeoneThere = poll(ends, std::size(ends), 0) > 0 && ends[0].revents != 0;
+    if (!isSomeoneThere || (host_ != -1 && ends[1].revents != 0)) return false;
     const int program = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (program == -1) return false;
     if (!line_ || host_ != -1)

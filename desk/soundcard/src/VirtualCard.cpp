@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cmath>
 #include <ctime>
+#include <iterator>
 #include <thread>
 #include <utility>
 
@@ -43,7 +44,9 @@ void VirtualCard::configure(Settings settings) {
     origin_ = kNoFrame;
     isInTransport_ = false;
     playedUpTo_ = 0;
-    faultIsDone_.assign(settings_.faults.size(), false);
+    faults_.assign(settings_.faults.begin(), settings_.faults.end());
+    std::stable_sort(faults_.begin(), faults_.end(),
+                     [](const Fault& a, const Fault& b) { return a.period < b.period; });
     shortReadEnd_ = kNoFrame;
     output_.clear();
     wakeLateness_.clear();
@@ -135,25 +138,30 @@ void VirtualCard::settleOrigin() {
     origin_ = capture_.startFrame + roundUpToPeriod(std::max<std::int64_t>(request - capture_.startFrame, 0));
 }
 
-bool VirtualCard::isGone(std::int64_t cardFrame) const {
-    if (origin_ == kNoFrame) return false;
-    return std::any_of(settings_.faults.begin(), settings_.faults.end(), [&](const Fault& fault) {
-        const std::int64_t from = origin_ + static_cast<std::int64_t>(fault.period + 1) * kPeriod;
-        const std::int64_t to = from + static_cast<std::int64_t>(fault.periods) * kPeriod;
-        return fault.kind == Fault::Kind::Gone && cardFrame >= from && cardFrame < to;
-    });
+// Faults strike at the end of their period.
+std::int64_t VirtualCard::frameOf(const Fault& fault) const {
+    return origin_ + static_cast<std::int64_t>(fault.period + 1) * kPeriod;
 }
 
-const Fault* VirtualCard::dueFault(Fault::Kind kind, std::int64_t cardFrame) {
-    if (origin_ == kNoFrame) return nullptr;
-    for (std::size_t i = 0; i < settings_.faults.size(); ++i) {
-        const Fault& fault = settings_.faults[i];
-        const std::int64_t periodEnd = origin_ + static_cast<std::int64_t>(fault.period + 1) * kPeriod;
-        if (fault.kind != kind || faultIsDone_[i] || cardFrame < periodEnd) continue;
-        faultIsDone_[i] = true;
-        return &fault;
+bool VirtualCard::isGone(std::int64_t cardFrame) {
+    if (origin_ == kNoFrame) return false;
+    for (auto fault = faults_.begin(); fault != faults_.end() && frameOf(*fault) <= cardFrame;) {
+        const std::int64_t end = frameOf(*fault) + static_cast<std::int64_t>(fault->periods) * kPeriod;
+        const bool isGone = fault->kind == Fault::Kind::Gone;
+        if (isGone && cardFrame < end) return true;
+        fault = isGone ? faults_.erase(fault) : std::next(fault);
     }
-    return nullptr;
+    return false;
+}
+
+bool VirtualCard::takeFault(Fault::Kind kind, std::int64_t cardFrame) {
+    if (origin_ == kNoFrame) return false;
+    for (auto fault = faults_.begin(); fault != faults_.end() && frameOf(*fault) <= cardFrame; ++fault) {
+        if (fault->kind != kind) continue;
+        faults_.erase(fault);
+        return true;
+    }
+    return false;
 }
 
 std::int64_t VirtualCard::fail(Stream& which, std::atomic<long>& count) {
@@ -178,9 +186,9 @@ std::int64_t VirtualCard::position(Direction direction) {
 
 std::int64_t VirtualCard::capturePosition(std::int64_t cardFrame) {
     const std::int64_t captured = (cardFrame - capture_.startFrame) / kPeriod * kPeriod;
-    if (dueFault(Fault::Kind::XrunCapture, capture_.startFrame + captured))
+    if (takeFault(Fault::Kind::XrunCapture, capture_.startFrame + captured))
         return fail(capture_, captureXruns_);
-    if (dueFault(Fault::Kind::ShortRead, capture_.startFrame + captured))
+    if (takeFault(Fault::Kind::ShortRead, capture_.startFrame + captured))
         shortReadEnd_ = captured - kPeriod / 2;
     if (shortReadEnd_ != kNoFrame)
         return capture_.moved >= shortReadEnd_ ? fail(capture_, captureXruns_) : shortReadEnd_;
@@ -193,7 +201,7 @@ std::int64_t VirtualCard::capturePosition(std::int64_t cardFrame) {
 
 std::int64_t VirtualCard::playbackPosition(std::int64_t cardFrame) {
     const std::int64_t played = (cardFrame - playback_.startFrame) / kPeriod * kPeriod;
-    if (dueFault(Fault::Kind::XrunPlayback, playback_.startFrame + played))
+    if (takeFault(Fault::Kind::XrunPlayback, playback_.startFrame + played))
         return fail(playback_, playbackXruns_);
     if (played >= playback_.moved) return fail(playback_, playbackXruns_);
     return played;

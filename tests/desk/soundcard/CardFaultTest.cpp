@@ -1,3 +1,5 @@
+#include <initializer_list>
+
 #include "CardFixture.h"
 #include "desk/soundcard/Fault.h"
 
@@ -16,10 +18,11 @@ struct Outcome {
 
 class FaultyCard : public Card {
 protected:
-    void startWith(const char* fault) {
+    void startWith(std::initializer_list<const char*> faults) {
         VirtualCard::Settings settings;
         settings.guitars = {std::vector<float>(100000, 0.25f), {}};
-        settings.faults = {Fault::parse(fault)};
+        for (const char* const fault : faults)
+            settings.faults.push_back(Fault::parse(fault));
         configure(settings);
         open();
         begin();
@@ -49,7 +52,7 @@ protected:
 };
 
 TEST_F(FaultyCard, CaptureXrunFailsTheReadOfItsPeriodOnce) {
-    startWith("xrun-capture@5");
+    startWith({"xrun-capture@5"});
     const Outcome outcome = runUntilTrouble(100);
     EXPECT_EQ(outcome.periods, 5);
     EXPECT_EQ(outcome.readResult, -EPIPE);
@@ -58,8 +61,22 @@ TEST_F(FaultyCard, CaptureXrunFailsTheReadOfItsPeriodOnce) {
     EXPECT_EQ(runUntilTrouble(100).periods, 100);
 }
 
+TEST_F(FaultyCard, FaultsStrikeInTheOrderOfTheirPeriodsHoweverTheyAreGiven) {
+    startWith({"xrun-capture@30", "gone@10+10", "xrun-capture@5"});
+    EXPECT_EQ(runUntilTrouble(100).periods, 5);
+    restart();
+    EXPECT_LT(runUntilTrouble(100).periods, 10);
+    EXPECT_EQ(card().counters().captureXruns, 1);
+    card().virtualTime().waitUntil(card().virtualTime().now() + std::chrono::nanoseconds(10 * 725624));
+    restart();
+    EXPECT_LT(runUntilTrouble(100).periods, 20);
+    EXPECT_EQ(card().counters().captureXruns, 2);
+    restart();
+    EXPECT_EQ(runUntilTrouble(100).periods, 100);
+}
+
 TEST_F(FaultyCard, PlaybackXrunFailsTheWriteAfterTheReadOfItsPeriodOnce) {
-    startWith("xrun-playback@5");
+    startWith({"xrun-playback@5"});
     const Outcome outcome = runUntilTrouble(100);
     EXPECT_EQ(outcome.periods, 5);
     EXPECT_EQ(outcome.readResult, kFrames);
@@ -70,7 +87,7 @@ TEST_F(FaultyCard, PlaybackXrunFailsTheWriteAfterTheReadOfItsPeriodOnce) {
 }
 
 TEST_F(FaultyCard, ShortReadGivesHalfAPeriodAndThenFails) {
-    startWith("short-read@5");
+    startWith({"short-read@5"});
     const Outcome outcome = runUntilTrouble(100);
     EXPECT_EQ(outcome.periods, 5);
     EXPECT_EQ(outcome.readResult, kFrames / 2);
@@ -82,7 +99,7 @@ TEST_F(FaultyCard, ShortReadGivesHalfAPeriodAndThenFails) {
 }
 
 TEST_F(FaultyCard, GoneCardRefusesEverythingUntilItIsBack) {
-    startWith("gone@5+10");
+    startWith({"gone@5+10"});
     const Outcome outcome = runUntilTrouble(100);
     EXPECT_EQ(outcome.periods, 5);
     EXPECT_LT(outcome.readResult, 0);
@@ -98,7 +115,7 @@ TEST_F(FaultyCard, GoneCardRefusesEverythingUntilItIsBack) {
 }
 
 TEST_F(FaultyCard, LostTimeIsSilenceInTheOutput) {
-    startWith("gone@5+10");
+    startWith({"gone@5+10"});
     runUntilTrouble(100);
     card().virtualTime().waitUntil(card().virtualTime().now() + std::chrono::nanoseconds(10 * 725624));
     restart();

@@ -142,8 +142,9 @@ private:
     Stream& stream(Direction direction) { return direction == Direction::Capture ? capture_ : playback_; }
 
     void settleOrigin();
-    bool isGone(std::int64_t cardFrame) const;
-    const Fault* dueFault(Fault::Kind kind, std::int64_t cardFrame);
+    bool isGone(std::int64_t cardFrame);
+    bool takeFault(Fault::Kind kind, std::int64_t cardFrame);
+    std::int64_t frameOf(const Fault& fault) const;
     std::int64_t fail(Stream& which, std::atomic<long>& count);
     std::int64_t capturePosition(std::int64_t cardFrame);
     std::int64_t playbackPosition(std::int64_t cardFrame);
@@ -162,8 +163,8 @@ private:
     Stream playback_;
     std::int64_t origin_ = kNoFrame;  // card frame of transport frame 0
     std::atomic<bool> isInTransport_{false};
-    std::int64_t playedUpTo_ = 0;  // card frame; all before it has been played
-    std::vector<bool> faultIsDone_;
+    std::int64_t playedUpTo_ = 0;                   // card frame; all before it has been played
+    std::vector<Fault> faults_;                     // those to come and those in force, by their periods
     std::int64_t shortReadEnd_ = kNoFrame;          // capture position at which a short read breaks off
     std::vector<FrameRing::Frame> playbackBuffer_;  // written, not yet played; indexed by position
 
