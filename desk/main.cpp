@@ -114,6 +114,7 @@ int play(const Options& options) {
     const bool isVirtual = options.clock == VirtualCard::ClockMode::Virtual;
     Clock& clock = isVirtual ? deskClock : Clock::current();
     Quiescence others;
+    if (isVirtual) others.shareProcessor();
     card.virtualTime().setAwaitRest([&others] {
         // Helpers look for work all the time: theirs is counted. In real time they have a block for a block's
         // job and longer for a tail's.

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "desk/soundcard/Quiescence.h"
-#include "utility/BackgroundJobs.h"
+#include "utility/JobBell.h"
 
 namespace tvk::desk {
 
@@ -22,12 +22,13 @@ void DeskClock::nap(std::chrono::nanoseconds duration) {
     Clock::nap(duration);
 }
 
-void DeskClock::awaitJob(std::chrono::nanoseconds duration) {
+void DeskClock::awaitJob(JobBell& bell, std::chrono::nanoseconds duration) {
     const Quiescence::Nap asleep;
-    BackgroundJobs::awaitHandOver(std::max<std::chrono::nanoseconds>(duration, kLongestWaitForAJob));
+    bell.await(std::max<std::chrono::nanoseconds>(duration, kLongestWaitForAJob));
 }
 
 void DeskClock::threadStarted() {
+    Quiescence::threadBound();
     Quiescence others;
     others.leaveOut(time_.audioThread());
     others.await(kLongestStart);
@@ -37,13 +38,14 @@ int DeskClock::poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds
     using namespace std::chrono_literals;
     const bool isEndless = timeout < 0ms;
     if (isEndless) return ::poll(descriptors, count, -1);
+    int ready = ::poll(descriptors, count, 0);
+    if (ready != 0 || timeout == 0ms) return ready;
     const std::chrono::nanoseconds end = time_.now() + timeout;
-    while (true) {
-        const int ready = ::poll(descriptors, count, 0);
-        const std::chrono::nanoseconds left = end - time_.now();
-        if (ready != 0 || left <= 0ns) return ready;
-        time_.sleepFor(std::min<std::chrono::nanoseconds>(left, 1ms));
-    }
+    time_.sleepUntilWork(1ms, [&] {
+        ready = ::poll(descriptors, count, 0);
+        return ready != 0 || time_.now() >= end;
+    });
+    return ready;
 }
 
 }  // namespace tvk::desk

@@ -5,7 +5,7 @@
 
 #include "desk/DeskClock.h"
 #include "desk/soundcard/Quiescence.h"
-#include "utility/BackgroundJobs.h"
+#include "utility/JobBell.h"
 
 using tvk::desk::DeskClock;
 using tvk::desk::VirtualTime;
@@ -66,12 +66,10 @@ TEST_F(DeskClockTest, APollWithZeroTimeoutOnlyLooks) {
     EXPECT_EQ(returnedAt_, 0ms);
 }
 
-TEST_F(DeskClockTest, AJobEndsAHelpersWait) {
-    clock_.awaitJob(1ns);
-    tvk::BackgroundJobs::begin();
-    tvk::BackgroundJobs::handedOver();
-    tvk::BackgroundJobs::end();
-    clock_.awaitJob(24h);
+TEST_F(DeskClockTest, TheBellEndsAHelpersWait) {
+    tvk::JobBell bell;
+    bell.ring();
+    clock_.awaitJob(bell, 24h);
     EXPECT_EQ(time_.now(), 0ms);
 }
 

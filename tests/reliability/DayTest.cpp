@@ -101,6 +101,7 @@ class Day : public ::testing::Test {
 protected:
     void SetUp() override {
         const tvk::GuitarFile guitar(TARVEK_GUITAR, DeskAmplifier::kRateHz);
+        others_.shareProcessor();
         desk_.settings.guitars = {guitar.input(0), guitar.input(1)};
         desk_.settings.faults = faultsOf(seconds_);
         response_ = wholeFile(desk_.root.homeRoot / "IRs" / "TestCabinet1.wav");

@@ -13,11 +13,14 @@ public:
 
     std::chrono::nanoseconds now() override { return time_.now(); }
     void sleepFor(std::chrono::nanoseconds duration) override { time_.sleepFor(duration); }
+    void sleepUntilWork(std::chrono::nanoseconds step, const std::function<bool()>& hasWork) override {
+        time_.sleepUntilWork(step, hasWork);
+    }
 
     void nap(std::chrono::nanoseconds duration) override;
 
-    // Until there is a job, and now and then for the thread's own sake.
-    void awaitJob(std::chrono::nanoseconds duration) override;
+    // Until the bell rings, and now and then for the thread's own sake.
+    void awaitJob(JobBell& bell, std::chrono::nanoseconds duration) override;
 
     void threadStarted() override;
 

@@ -3,14 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstring>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <sched.h>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -55,6 +58,8 @@ struct Place {
 };
 std::array<Place, 32> places;
 
+std::atomic<unsigned> bindings{0};
+
 // This thread's place, given up with its end.
 class OwnPlace {
 public:
@@ -88,11 +93,6 @@ bool isNapping(pid_t thread) {
     });
 }
 
-unsigned long linksOfTasks() {
-    struct stat status {};
-    return stat(kTasks, &status) == 0 ? status.st_nlink : 0;
-}
-
 // How often threads of this process have begun to wait.
 long fallenAsleep() {
     rusage usage{};
@@ -114,14 +114,33 @@ Quiescence::Nap::~Nap() {
     ownPlace.setNapping(false);
 }
 
+Quiescence::Quiescence() : folder_(open(kTasks, O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+
 Quiescence::~Quiescence() {
     closeAll();
+    if (folder_ != -1) close(folder_);
+}
+
+unsigned long Quiescence::linksOfTasks() const {
+    struct stat status {};
+    return fstat(folder_, &status) == 0 ? status.st_nlink : 0;
 }
 
 void Quiescence::closeAll() {
-    for (const Task& task : tasks_)
-        close(task.file);
+    for (const Task& task : tasks_) {
+        close(task.call);
+        close(task.state);
+    }
     tasks_.clear();
+}
+
+void Quiescence::shareProcessor() {
+    processor_ = sched_getcpu();
+    closeAll();
+}
+
+void Quiescence::threadBound() {
+    bindings.fetch_add(1, std::memory_order_relaxed);
 }
 
 void Quiescence::await() {
@@ -147,24 +166,46 @@ bool Quiescence::isQuiet() {
 }
 
 bool Quiescence::isUpToDate() const {
-    return !tasks_.empty() && links_ == linksOfTasks();
+    return !tasks_.empty() && links_ == linksOfTasks() &&
+           bindings_ == bindings.load(std::memory_order_relaxed);
 }
 
 void Quiescence::listTasks() {
     closeAll();
     links_ = linksOfTasks();
+    bindings_ = bindings.load(std::memory_order_relaxed);
     DIR* const folder = opendir(kTasks);
     if (!folder) throw std::runtime_error(std::string("cannot list ") + kTasks);
     while (const dirent* const entry = readdir(folder)) {
         pid_t id = 0;
         const char* const end = entry->d_name + std::strlen(entry->d_name);
         if (std::from_chars(entry->d_name, end, id).ptr != end || id == 0) continue;
-        const std::string path = std::string(kTasks) + "/" + entry->d_name + "/syscall";
-        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        if (file != -1) tasks_.push_back({id, file});
+        listTask(id);
     }
     closedir(folder);
     if (tasks_.empty()) throw std::runtime_error(std::string(kTasks) + "/*/syscall cannot be read");
+    if (processor_ != kOwnProcessors) share();
+}
+
+// A thread that has ended meanwhile is found out by the next look.
+void Quiescence::share() {
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(static_cast<std::size_t>(processor_), &one);
+    areSharing_ = std::all_of(tasks_.begin(), tasks_.end(), [&one](const Task& task) {
+        return sched_setaffinity(task.id, sizeof one, &one) == 0 || errno == ESRCH;
+    });
+}
+
+void Quiescence::listTask(pid_t id) {
+    const std::string folder = std::string(kTasks) + "/" + std::to_string(id);
+    const int call = open((folder + "/syscall").c_str(), O_RDONLY | O_CLOEXEC);
+    if (call == -1) return;
+    const int state = open((folder + "/stat").c_str(), O_RDONLY | O_CLOEXEC);
+    if (state == -1)
+        close(call);
+    else
+        tasks_.push_back({id, call, state});
 }
 
 bool Quiescence::allWait() {
@@ -178,15 +219,29 @@ bool Quiescence::allWait() {
     return true;
 }
 
-Quiescence::State Quiescence::stateOf(const Task& task) {
+Quiescence::State Quiescence::stateOf(const Task& task) const {
+    const State state = stateByCall(task);
+    return state == State::Waiting && !areSharing_ && !isAsleep(task) ? State::AtWork : state;
+}
+
+Quiescence::State Quiescence::stateByCall(const Task& task) {
     char text[256];
-    const ssize_t length = pread(task.file, text, sizeof text, 0);
+    const ssize_t length = pread(task.call, text, sizeof text, 0);
     if (length <= 0) return State::Gone;
     long call = -1;
     // "running", or the number of the call and its arguments.
     if (std::from_chars(text, text + length, call).ec != std::errc()) return State::AtWork;
     const bool isWait = std::find(std::begin(kWaits), std::end(kWaits), call) != std::end(kWaits);
     return isWait ? State::Waiting : State::AtWork;
+}
+
+// "7 (name) S ...", of which the name may contain anything.
+bool Quiescence::isAsleep(const Task& task) {
+    char text[64];
+    const ssize_t length = pread(task.state, text, sizeof text, 0);
+    const std::size_t name =
+        std::string_view(text, static_cast<std::size_t>(std::max<ssize_t>(length, 0))).rfind(") ");
+    return name != std::string_view::npos && text[name + 2] == 'S';
 }
 
 }  // namespace tvk::desk

@@ -93,8 +93,8 @@ void VirtualTime::waitUntil(Nanoseconds deadline) {
         if (isTickNext) {
             isAnyoneAtWork = tick(lock);
         } else if (isSleeperNext) {
-            wake(first, lock);
-            isAnyoneAtWork = true;
+            isAnyoneAtWork = isForWork(**first, lock);
+            if (isAnyoneAtWork) wake(first, lock);
         }
     }
     restAfterWork();
@@ -126,8 +126,21 @@ void VirtualTime::holdAtLimit(std::unique_lock<std::mutex>& lock) {
 
 std::list<VirtualTime::Sleeper*>::iterator VirtualTime::firstSleeper() {
     return std::min_element(sleepers_.begin(), sleepers_.end(), [](const Sleeper* a, const Sleeper* b) {
-        return a->deadline != b->deadline ? a->deadline < b->deadline : a->thread < b->thread;
+        return a->deadline != b->deadline ? a->deadline < b->deadline : a->threadName < b->threadName;
     });
+}
+
+// At its deadline. Otherwise it sleeps on.
+bool VirtualTime::isForWork(Sleeper& sleeper, std::unique_lock<std::mutex>& lock) {
+    if (!sleeper.hasWork) return true;
+    sleeper.isAsked = true;
+    lock.unlock();
+    const bool hasWork = (*sleeper.hasWork)();
+    lock.lock();
+    sleeper.isAsked = false;
+    hasAsked_.notify_all();
+    if (!hasWork) sleeper.deadline += sleeper.step;
+    return hasWork;
 }
 
 void VirtualTime::wake(std::list<Sleeper*>::iterator which, std::unique_lock<std::mutex>& lock) {
@@ -149,26 +162,38 @@ void VirtualTime::sleepFor(Nanoseconds duration) {
     if (Mark::ofThisThread().isOf(this))
         waitUntil(now() + duration);
     else
-        sleep(duration);
+        sleep(duration, nullptr);
 }
 
-void VirtualTime::sleep(Nanoseconds duration) {
+void VirtualTime::sleepUntilWork(Nanoseconds step, const Question& hasWork) {
+    do
+        sleep(step, &hasWork);
+    while (!hasWork());
+}
+
+void VirtualTime::sleep(Nanoseconds duration, const Question* hasWork) {
     std::unique_lock lock(mutex_);
     Sleeper self;
     self.deadline = now_ + duration;
-    self.thread = nameOfThisThread();
+    self.step = duration;
+    self.hasWork = hasWork;
+    self.threadName = nameOfThisThread();
     sleepers_.push_back(&self);
-    fellAsleep_.notify_one();
     const auto machineDeadline = std::chrono::steady_clock::now() + duration;
     const bool wasReleased = isReleased_;
     // Ends before whoever woke it is told that it has come: from then on its work is seen.
     std::optional<Quiescence::Nap> asleep(std::in_place);
+    // Not under the lock, which the audio thread takes at once.
+    lock.unlock();
+    fellAsleep_.notify_one();
+    lock.lock();
     while (!self.isAwake && isReleased_ == wasReleased) {
         if (!isMachineTime())
             self.wake.wait(lock);
         else if (self.wake.wait_until(lock, machineDeadline) == std::cv_status::timeout && isMachineTime())
             break;
     }
+    hasAsked_.wait(lock, [&self] { return !self.isAsked; });
     asleep.reset();
     if (self.isAwake)
         --waking_;

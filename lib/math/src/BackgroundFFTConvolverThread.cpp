@@ -15,6 +15,6 @@ BackgroundFFTConvolverThread::~BackgroundFFTConvolverThread() {
 }
 
 void BackgroundFFTConvolverThread::loop() {
-    tvk::Clock::current().awaitJob(sleepMicroseconds_);
+    tvk::Clock::current().awaitJob(convolver_.tailBell(), sleepMicroseconds_);
     convolver_.runTail();
 }

@@ -60,7 +60,7 @@ void TailExchange::handOver(const float* input) {
     written_.store(written + 1, std::memory_order_release);
     tailDone_.store(0, std::memory_order_release);
     tailRequest_.store(1, std::memory_order_release);
-    tvk::BackgroundJobs::handedOver();
+    bell_.ring();
 }
 
 // Done is cleared again because the audio side may have set its flags while the helper was finishing.

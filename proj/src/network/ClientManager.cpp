@@ -166,8 +166,14 @@ void ClientManager::run() {
     while (!exitFlag_.load(std::memory_order_relaxed)) {
         servicePass();
         dropSilentClient();
-        Clock::current().sleepFor(kTick);
+        Clock::current().sleepUntilWork(kTick, [this] { return hasWork(); });
     }
+}
+
+bool ClientManager::hasWork() const {
+    return exitFlag_.load(std::memory_order_relaxed) || !transport_.device->isOpen() ||
+           messages_.hasFrameToSend() || messages_.messageWaiting() || transport_.receiver->hasInput() ||
+           isClientSilent();
 }
 
 void ClientManager::servicePass() {
@@ -228,11 +234,15 @@ void ClientManager::handOverOne() {
     toProcessor_.push(std::move(received));
 }
 
-void ClientManager::dropSilentClient() {
-    if (!isConnectionOpen(kClientId)) return;
+bool ClientManager::isClientSilent() const {
+    if (!isConnectionOpen(kClientId)) return false;
     const Nanoseconds silence =
         Clock::current().now() - Nanoseconds(lastHeard_.load(std::memory_order_relaxed));
-    if (silence <= kLongestSilence) return;
+    return silence > kLongestSilence;
+}
+
+void ClientManager::dropSilentClient() {
+    if (!isClientSilent()) return;
     log::debug(kTag, "HID client disconnected due to timeout.");
     // In this order the reset cannot take the response to a client that comes right now.
     messages_.reset();

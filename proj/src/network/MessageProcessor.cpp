@@ -56,8 +56,12 @@ void MessageProcessor::run() {
         if (clients_.popMessage(received))
             process(std::move(received));
         else
-            Clock::current().sleepFor(kTick);
+            Clock::current().sleepUntilWork(kTick, [this] { return hasWork(); });
     }
+}
+
+bool MessageProcessor::hasWork() const {
+    return exitFlag_.load(std::memory_order_relaxed) || clients_.hasMessage() || hasBatchEnded();
 }
 
 void MessageProcessor::process(ClientMessage received) {
@@ -104,8 +108,12 @@ void MessageProcessor::appendToBatch(ClientMessage received) {
     batch_.push_back(std::move(received));
 }
 
+bool MessageProcessor::hasBatchEnded() const {
+    return !batch_.empty() && clients_.getConnectionChanges() != batchConnection_;
+}
+
 void MessageProcessor::dropEndedBatch() {
-    if (batch_.empty() || clients_.getConnectionChanges() == batchConnection_) return;
+    if (!hasBatchEnded()) return;
     batch_.clear();
     batchBytes_ = 0;
 }

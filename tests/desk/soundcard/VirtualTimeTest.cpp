@@ -44,6 +44,37 @@ protected:
     std::atomic<bool> isMarked{false};
 };
 
+// Waits for a question and works on it for longer than any period of the card.
+class Worker {
+public:
+    explicit Worker(const VirtualTime& time)
+        : thread_([this, &time] {
+              std::unique_lock lock(mutex_);
+              changed_.wait(lock, [this] { return isAsked_; });
+              for (volatile int n = 0; n < 30000000;)
+                  n = n + 1;
+              answeredAt_ = time.now();
+          }) {}
+
+    void ask() {
+        const std::lock_guard lock(mutex_);
+        isAsked_ = true;
+        changed_.notify_one();
+    }
+    // Ends it. It has been asked.
+    Nanoseconds answeredAt() {
+        thread_.join();
+        return answeredAt_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool isAsked_ = false;
+    Nanoseconds answeredAt_{};
+    std::thread thread_;  // the last: it uses all others
+};
+
 }  // namespace
 
 TEST_F(VirtualTimeTest, MovesToTheDeadlineAtOnceWithoutSleepers) {
@@ -156,53 +187,77 @@ TEST_F(VirtualTimeTest, AThreadThatWaitsForALockThatASleeperHoldsDoesNotHoldTime
 }
 
 TEST_F(VirtualTimeTest, WhatASleeperSetsOffIsOverBeforeTimeMovesOn) {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool isAsked = false;
-    Nanoseconds answeredAt{};
-    std::thread worker([&] {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return isAsked; });
-        // Work that takes longer than any period of the card.
-        for (volatile int n = 0; n < 30000000;)
-            n = n + 1;
-        answeredAt = time.now();
-    });
+    Worker worker(time);
     std::thread asker([&] {
         awaitMark();
         time.sleepFor(2500us);
-        const std::lock_guard lock(mutex);
-        isAsked = true;
-        changed.notify_one();
+        worker.ask();
     });
     audio(5).join();
-    worker.join();
     asker.join();
-    EXPECT_EQ(answeredAt, 2500us);
+    EXPECT_EQ(worker.answeredAt(), 2500us);
 }
 
 TEST_F(VirtualTimeTest, WhatATickSetsOffIsOverBeforeTimeMovesOn) {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool isAsked = false;
-    Nanoseconds answeredAt{};
-    std::thread worker([&] {
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return isAsked; });
-        for (volatile int n = 0; n < 30000000;)
-            n = n + 1;
-        answeredAt = time.now();
-    });
+    Worker worker(time);
     time.setTick([&] {
         if (time.now() != 3ms) return false;
-        const std::lock_guard lock(mutex);
-        isAsked = true;
-        changed.notify_one();
+        worker.ask();
         return true;
     });
     audio(1, [&](int) { time.waitUntil(10ms); }).join();
-    worker.join();
-    EXPECT_EQ(answeredAt, 3ms);
+    EXPECT_EQ(worker.answeredAt(), 3ms);
+}
+
+TEST_F(VirtualTimeTest, WhoSleepsUntilWorkIsAskedAtEachStepAndWokenOnceForIt) {
+    std::vector<Nanoseconds> asked;
+    Nanoseconds wokenAt{};
+    std::thread sleeper([&] {
+        awaitMark();
+        time.sleepFor(500us);
+        time.sleepUntilWork(2ms, [&] {
+            asked.push_back(time.now());
+            return time.now() >= 7ms;
+        });
+        wokenAt = time.now();
+    });
+    audio(1, [&](int) { time.waitUntil(20ms); }).join();
+    sleeper.join();
+    EXPECT_EQ(wokenAt, 8500us);
+    // The last time by the sleeper itself.
+    EXPECT_EQ(asked, (std::vector<Nanoseconds>{2500us, 4500us, 6500us, 8500us, 8500us}));
+}
+
+TEST_F(VirtualTimeTest, WhoSleepsUntilWorkCostsNoTurnWithoutIt) {
+    std::atomic<int> looks{0};
+    time.setAwaitRest([&] {
+        ++looks;
+        others.await();
+    });
+    std::thread sleeper([&] {
+        awaitMark();
+        time.sleepUntilWork(1ms, [&] { return time.now() >= 99ms; });
+    });
+    audio(1, [&](int) { time.waitUntil(100ms); }).join();
+    sleeper.join();
+    // Before each of the two waits, and after the one turn.
+    EXPECT_EQ(looks, 3);
+}
+
+TEST_F(VirtualTimeTest, ReleaseEndsNoSleepUntilWorkIsThere) {
+    std::atomic<bool> hasWork{false};
+    std::atomic<bool> isAwake{false};
+    std::thread sleeper([&] {
+        awaitMark();
+        time.sleepUntilWork(1ms, [&] { return hasWork.load(); });
+        isAwake = true;
+    });
+    audio(5, [&](int n) {
+        if (n == 5) time.release();
+    }).join();
+    EXPECT_FALSE(isAwake);
+    hasWork = true;
+    sleeper.join();
 }
 
 TEST_F(VirtualTimeTest, HeldTimeMovesByWhatItIsToldAndNoFurther) {

@@ -1,8 +1,6 @@
 #include <atomic>
-#include <chrono>
 #include <gtest/gtest.h>
 #include <thread>
-#include <utility>
 
 #include "utility/BackgroundJobs.h"
 #include "utility/HelperStall.h"
@@ -47,42 +45,6 @@ TEST(BackgroundJobs, WaitingEndsWithTheLastJob) {
         worker.join();
     }
     BackgroundJobs::waitUntilIdle();
-}
-
-constexpr std::chrono::hours kForEver{24};
-
-TEST(BackgroundJobs, AHelperIsWokenByEachJob) {
-    constexpr int kJobs = 1000;
-    std::atomic<int> handedOver{0};
-    int taken = 0;
-    std::thread worker([&] {
-        while (taken < kJobs) {
-            BackgroundJobs::awaitHandOver(kForEver);
-            for (; handedOver > taken; ++taken)
-                BackgroundJobs::end();
-        }
-    });
-    for (int i = 0; i < kJobs; ++i) {
-        BackgroundJobs::begin();
-        ++handedOver;
-        BackgroundJobs::handedOver();
-        BackgroundJobs::waitUntilIdle();
-    }
-    worker.join();
-    EXPECT_EQ(taken, kJobs);
-}
-
-TEST(BackgroundJobs, AJobSinceTheLastCallIsNotWaitedFor) {
-    BackgroundJobs::awaitHandOver(std::chrono::nanoseconds(1));
-    BackgroundJobs::begin();
-    BackgroundJobs::handedOver();
-    BackgroundJobs::end();
-    BackgroundJobs::awaitHandOver(kForEver);
-}
-
-TEST(BackgroundJobs, AHelperWithoutWorkWaitsNoLongerThanAsked) {
-    BackgroundJobs::awaitHandOver(std::chrono::nanoseconds(1));
-    BackgroundJobs::awaitHandOver(std::chrono::nanoseconds(1));
 }
 
 TEST(HelperStall, HoldsHelpersOfItsNameUntilItEnds) {

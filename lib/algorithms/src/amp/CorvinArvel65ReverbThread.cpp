@@ -34,7 +34,7 @@ CorvinArvel65ReverbThread::~CorvinArvel65ReverbThread() {
 }
 
 void CorvinArvel65ReverbThread::loop() {
-    tvk::Clock::current().awaitJob(sleepMicroseconds_);
+    tvk::Clock::current().awaitJob(handover_.bell(), sleepMicroseconds_);
     const tvk::RealtimeThreadScope realtime;
     while (handover_.takeRequest()) {
         tvk::HelperStall::pass(kName);

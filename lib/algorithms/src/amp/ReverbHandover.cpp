@@ -29,7 +29,7 @@ void ReverbHandover::exchange(const float* send, float* returned) {
     tvk::BackgroundJobs::begin();
     reverbDone_.store(0, std::memory_order_relaxed);
     reverbRequest_.store(1, std::memory_order_release);
-    tvk::BackgroundJobs::handedOver();
+    bell_.ring();
 }
 
 bool ReverbHandover::takeRequest() {

@@ -48,6 +48,12 @@ public:
         return TransportStatus::Success;
     }
 
+    // A device that is gone is something to do as well.
+    bool hasInput() const {
+        pollfd input{device.descriptor(), POLLIN, 0};
+        return Clock::current().poll(&input, 1, std::chrono::milliseconds(0)) != 0;
+    }
+
     OwnedBytes pop() {
         const std::size_t slot = head.load(std::memory_order_relaxed);
         if (slot == tail.load(std::memory_order_acquire)) return nullptr;
@@ -103,6 +109,10 @@ HidGadgetReceiver::~HidGadgetReceiver() = default;
 
 TransportStatus HidGadgetReceiver::receive() {
     return impl_->receive();
+}
+
+bool HidGadgetReceiver::hasInput() const {
+    return impl_->hasInput();
 }
 
 OwnedBytes HidGadgetReceiver::pop() {

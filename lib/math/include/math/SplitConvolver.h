@@ -47,6 +47,7 @@ public:
 
     // Runs the tail jobs that are pending. Helper thread.
     void runTail() { tail_.runPending(); }
+    tvk::JobBell& tailBell() { return tail_.bell(); }
     bool isTailIdle() const { return tail_.isIdle(); }
     bool hasTail() const { return stages_ && stages_->tail; }
 

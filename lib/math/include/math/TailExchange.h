@@ -21,6 +21,7 @@
 #include <string>
 
 #include "math/fft/AlignedFloats.h"
+#include "utility/JobBell.h"
 
 class FFTConv2;
 
@@ -50,6 +51,7 @@ public:
 
     // Runs what has been handed over until nothing is left. Helper thread.
     void runPending();
+    tvk::JobBell& bell() { return bell_; }
 
 private:
     struct Block {
@@ -66,6 +68,7 @@ private:
     std::chrono::nanoseconds deadline_{0};  // a head's length
     std::atomic<std::uint8_t> tailRequest_{0};
     std::atomic<std::uint8_t> tailDone_{1};
+    tvk::JobBell bell_;
 
     std::array<Block, kRingBlocks> ring_;
     std::atomic<std::uint32_t> written_{0};  // by the audio side

@@ -5,18 +5,13 @@
 // the machine in real time gives.
 #pragma once
 
-#include <chrono>
-
 namespace tvk {
 
 class BackgroundJobs {
 public:
-    // A job is about to be handed over; one relaxed atomic step, any thread, the audio thread too.
+    // A job is handed over, which its helper cannot see yet; one relaxed atomic step, any thread, the audio
+    // thread too.
     static void begin();
-
-    // It can be seen by its helper now: wakes those in awaitHandOver, by a call to the kernel. In the live
-    // process nobody waits there, and this is two atomic steps. Any thread, the audio thread too.
-    static void handedOver();
 
     // `jobs` jobs are done: called by the helper after its results can be seen.
     static void end(int jobs = 1);
@@ -26,10 +21,6 @@ public:
 
     // Returns when nothing is pending. Whoever makes time.
     static void waitUntilIdle();
-
-    // Returns when a job has been handed over since this thread's last call, or after `atMost` of the
-    // machine's time; the first call returns at once. For helpers, in place of looking again and again.
-    static void awaitHandOver(std::chrono::nanoseconds atMost);
 };
 
 }  // namespace tvk

@@ -5,9 +5,12 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <poll.h>
 
 namespace tvk {
+
+class JobBell;
 
 class Clock {
 public:
@@ -19,13 +22,22 @@ public:
     // Blocks the calling thread; resumes after signals until the whole time has passed.
     virtual void sleepFor(std::chrono::nanoseconds duration) = 0;
 
+    // For a thread that looks for work again and again: sleeps for `step`, and for another one until hasWork
+    // answers true at the end of one. hasWork changes nothing, and may be asked on another thread while the
+    // caller sleeps: a clock that makes its own time need not wake the thread for each look.
+    virtual void sleepUntilWork(std::chrono::nanoseconds step, const std::function<bool()>& hasWork) {
+        do
+            sleepFor(step);
+        while (!hasWork());
+    }
+
     // The pause between two looks at what another thread does. In the machine's time, whatever this clock's
     // is: the other thread works in that.
     virtual void nap(std::chrono::nanoseconds duration);
 
-    // A helper's nap before it looks for a job again. A clock that makes its own time may end it when there
-    // is one, and let it last while there is none.
-    virtual void awaitJob(std::chrono::nanoseconds duration) { nap(duration); }
+    // A helper's nap before it looks for a job again. A clock that makes its own time may end it when the
+    // bell rings, and let it last while it does not.
+    virtual void awaitJob(JobBell&, std::chrono::nanoseconds duration) { nap(duration); }
 
     // Told by whoever has started a thread, right after: a clock that makes its own time lets the new thread
     // come to its first wait before its starter goes on, so that every run starts alike.

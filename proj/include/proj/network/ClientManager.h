@@ -64,6 +64,7 @@ public:
 
     // The oldest message that has come; false when there is none.
     bool popMessage(ClientMessage& message);
+    bool hasMessage() const { return waitingMessages_.load(std::memory_order_relaxed) != 0; }
 
     // Changes whenever the connection opens or ends.
     unsigned getConnectionChanges() const { return changes_.load(std::memory_order_acquire); }
@@ -80,6 +81,8 @@ private:
     void handOverOne();
     void closeDevice();
     void dropSilentClient();
+    bool isClientSilent() const;
+    bool hasWork() const;
 
     void answerConnectionRequest(int clientId);
     bool queue(const TarvekMessage& message);

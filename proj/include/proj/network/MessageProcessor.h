@@ -34,6 +34,8 @@ private:
     bool passesConnectionCheck(const ClientMessage& received);
     void refuse(int clientId, int error);
     void appendToBatch(ClientMessage received);
+    bool hasWork() const;
+    bool hasBatchEnded() const;
     void dropEndedBatch();
     void dispatchBatch();
     void dispatch(const ClientMessage& received);

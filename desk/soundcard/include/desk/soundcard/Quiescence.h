@@ -1,8 +1,10 @@
 // Are all other threads of this process waiting: for a clock, for a lock, or for data that has not come?
 //
 // The kernel is asked: /proc/self/task/*/syscall names the call that a thread is blocked in. A thread that
-// runs, wants to run, or is blocked in anything else (a disk, say) is at work. None may have fallen asleep
-// during the look, lest one thread wakes another behind its back and falls asleep before it.
+// runs, wants to run, or is blocked in anything else (a disk, say) is at work. So is one that has been woken
+// while its processor has not heard of it: it looks blocked there, and its state in .../stat tells. None may
+// have fallen asleep during the look, lest one thread wakes another behind its back and falls asleep before
+// it.
 //
 // Linux from 2.6.27 on, with CONFIG_HAVE_ARCH_TRACEHOOK, as all of Debian's kernels have it.
 #pragma once
@@ -25,13 +27,22 @@ public:
         Nap& operator=(const Nap&) = delete;
     };
 
-    Quiescence() = default;
+    Quiescence();
     ~Quiescence();
     Quiescence(const Quiescence&) = delete;
     Quiescence& operator=(const Quiescence&) = delete;
 
     // A thread that asks and is not asked about; the caller of await is one in any case. Any thread.
     void leaveOut(pid_t thread) { leftOut_ = thread; }
+
+    // From now on the threads that are looked at share the processor that the caller is on now, whatever they
+    // were bound to. Those that take turns lose nothing by it: a hand-over is shorter than between two
+    // processors, and nobody is woken unseen.
+    void shareProcessor();
+
+    // The processor of a thread has been chosen: it is to share the common one from the next look on. Any
+    // thread.
+    static void threadBound();
 
     // Looks until all are at rest. One thread at a time. Throws std::runtime_error where the kernel does not
     // tell.
@@ -41,21 +52,33 @@ public:
     bool await(std::chrono::nanoseconds atMost);
 
 private:
+    static constexpr int kOwnProcessors = -1;
+
     struct Task {
         pid_t id;
-        int file;  // its "syscall"
+        int call;   // its file "syscall"
+        int state;  // its file "stat"
     };
     enum class State { Waiting, AtWork, Gone };
 
     bool isQuiet();
     bool isUpToDate() const;
+    unsigned long linksOfTasks() const;
     void listTasks();
+    void share();
     void closeAll();
     bool allWait();
-    static State stateOf(const Task& task);
+    void listTask(pid_t id);
+    State stateOf(const Task& task) const;
+    static State stateByCall(const Task& task);
+    static bool isAsleep(const Task& task);
 
+    const int folder_;  // /proc/self/task
     std::vector<Task> tasks_;
-    unsigned long links_ = 0;  // of /proc/self/task, two more than there are threads
+    unsigned long links_ = 0;  // of the folder, two more than there are threads
+    unsigned bindings_ = 0;    // threadBound's calls that have been seen
+    int processor_ = kOwnProcessors;
+    bool areSharing_ = false;
     pid_t leftOut_ = 0;
 };
 

@@ -5,8 +5,9 @@
 // sleeps through this clock is a sleeper with a deadline. On its way to its own deadline the audio thread
 // does what is due in every millisecond, and wakes the sleepers one by one, in the order of their deadlines,
 // those with one deadline in the order of their threads' names; after each, and before anything else, it
-// waits until all other threads of the process are at rest. So one thread works at a time, time stands still
-// meanwhile, and a run repeats to the bit at any machine speed.
+// waits until all other threads of the process are at rest. Who sleeps until there is work is asked about it
+// and not woken in vain. So one thread works at a time, time stands still meanwhile, and a run repeats to the
+// bit at any machine speed.
 //
 // While no audio thread is there, before its first period and after its end, sleeps are the machine's. A
 // sleep that has not ended when the audio thread comes ends in the card's time, counted from where that
@@ -54,6 +55,11 @@ public:
     // Sleeps; on the marked thread, moves time. Any thread.
     void sleepFor(Nanoseconds duration);
 
+    // Sleeps for `step`, and for another one until hasWork answers true at the end of one: the audio thread
+    // asks, and the sleeper is woken for work alone. Any other thread.
+    using Question = std::function<bool()>;
+    void sleepUntilWork(Nanoseconds step, const Question& hasWork);
+
     // Time stands still from here on: the audio thread waits in its next waitUntil. Any thread.
     void hold();
 
@@ -71,8 +77,11 @@ public:
 private:
     struct Sleeper {
         Nanoseconds deadline{0};
-        std::string thread;
+        Nanoseconds step{0};
+        const Question* hasWork = nullptr;  // none for a plain sleep
+        std::string threadName;
         bool isAwake = false;
+        bool isAsked = false;  // hasWork, right now
         std::condition_variable wake;
     };
     class Mark;
@@ -83,8 +92,9 @@ private:
     void passInMachineTime(Nanoseconds deadline, std::unique_lock<std::mutex>& lock);
     void holdAtLimit(std::unique_lock<std::mutex>& lock);
     std::list<Sleeper*>::iterator firstSleeper();
+    bool isForWork(Sleeper& sleeper, std::unique_lock<std::mutex>& lock);
     void wake(std::list<Sleeper*>::iterator sleeper, std::unique_lock<std::mutex>& lock);
-    void sleep(Nanoseconds duration);
+    void sleep(Nanoseconds duration, const Question* hasWork);
     void endOfAudioThread();
 
     std::function<void()> awaitRest_;
@@ -92,6 +102,7 @@ private:
     mutable std::mutex mutex_;
     std::condition_variable changed_;  // hold, release, and who came to wait
     std::condition_variable fellAsleep_;
+    std::condition_variable hasAsked_;
     Nanoseconds now_{0};
     Nanoseconds nextTick_{0};
     Nanoseconds limit_ = Nanoseconds::max();

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "utility/JobBell.h"
+
 class ReverbHandover {
 public:
     // blockLength: samples of a block.
@@ -29,6 +31,7 @@ public:
     // Takes a request, if there is one. Between a true answer and finish the buffers are the caller's. Tank's
     // thread.
     bool takeRequest();
+    tvk::JobBell& bell() { return bell_; }
     const float* send() const { return reverbIn_.data(); }
     float* returned() { return reverbOut_.data(); }
     void finish();
@@ -38,6 +41,7 @@ private:
 
     std::atomic<std::uint8_t> reverbRequest_{0};
     std::atomic<std::uint8_t> reverbDone_{1};
+    tvk::JobBell bell_;
     std::vector<float> reverbIn_;
     std::vector<float> reverbOut_;
 };

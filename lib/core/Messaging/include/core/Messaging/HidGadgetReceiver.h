@@ -27,6 +27,7 @@ public:
     HidGadgetReceiver& operator=(const HidGadgetReceiver&) = delete;
 
     TransportStatus receive() override;
+    bool hasInput() const override;
     OwnedBytes pop() override;
     void flush() override;
     std::size_t getMaxFrameSize() const override;

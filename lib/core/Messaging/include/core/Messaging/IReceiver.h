@@ -15,6 +15,10 @@ public:
     // Takes at most one frame from the link. Success says that one came.
     virtual TransportStatus receive() = 0;
 
+    // Whether receive would find something to do; true where that cannot be told. Asked on another thread
+    // only while the receiver's own sleeps.
+    virtual bool hasInput() const { return true; }
+
     // The oldest frame that was received, with its padding; null when there is none.
     virtual OwnedBytes pop() = 0;
 

@@ -83,6 +83,12 @@ public:
         return status;
     }
 
+    // Whether sendNextFrame has anything to send.
+    bool hasFrameToSend() const {
+        const std::lock_guard lock(sendMutex_);
+        return sending_ || sendRing_.size() > 0;
+    }
+
     // Takes the oldest frame from the receiver, if there is one. Messages that it completes wait for
     // retrieveMessage.
     void receiveFrame() {

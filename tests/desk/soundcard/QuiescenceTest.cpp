@@ -1,0 +1,128 @@
+#include <atomic>
+#include <condition_variable>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <sched.h>
+#include <thread>
+
+#include "desk/soundcard/Quiescence.h"
+
+using tvk::desk::Quiescence;
+
+namespace {
+
+// Answers each question as soon as it runs, and waits for the next.
+class Answerer {
+public:
+    Answerer() : thread_([this] { run(); }) {}
+    ~Answerer() {
+        ask(kEnd);
+        thread_.join();
+    }
+    Answerer(const Answerer&) = delete;
+    Answerer& operator=(const Answerer&) = delete;
+
+    void ask(int question) {
+        {
+            const std::lock_guard lock(mutex_);
+            question_ = question;
+        }
+        asked_.notify_one();
+    }
+    int answered() const { return answered_; }
+
+    cpu_set_t processors() {
+        cpu_set_t set;
+        pthread_getaffinity_np(thread_.native_handle(), sizeof set, &set);
+        return set;
+    }
+    void bindTo(const cpu_set_t& set) {
+        pthread_setaffinity_np(thread_.native_handle(), sizeof set, &set);
+        Quiescence::threadBound();
+    }
+
+private:
+    static constexpr int kEnd = -1;
+
+    void run() {
+        std::unique_lock lock(mutex_);
+        while (question_ != kEnd) {
+            answered_ = question_;
+            asked_.wait(lock, [this] { return question_ != answered_; });
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable asked_;
+    int question_ = 0;
+    std::atomic<int> answered_{0};
+    std::thread thread_;  // the last: it uses all others
+};
+
+cpu_set_t processorsOfThisThread() {
+    cpu_set_t set;
+    pthread_getaffinity_np(pthread_self(), sizeof set, &set);
+    return set;
+}
+
+// What shareProcessor does outlives it; the other tests get the test's processors back.
+class Processors : public ::testing::Test {
+protected:
+    ~Processors() override { pthread_setaffinity_np(pthread_self(), sizeof before_, &before_); }
+
+    const cpu_set_t before_ = processorsOfThisThread();
+};
+
+}  // namespace
+
+TEST(Quiescence, WhoHasBeenWokenIsAtWorkWhereverItRuns) {
+    constexpr int kQuestions = 2000;
+    Quiescence others;
+    Answerer answerer;
+    others.await();
+    int late = 0;
+    for (int question = 1; question <= kQuestions; ++question) {
+        answerer.ask(question);
+        others.await();
+        if (answerer.answered() != question) ++late;
+    }
+    EXPECT_EQ(late, 0);
+}
+
+TEST_F(Processors, SharedAreOne) {
+    Quiescence others;
+    others.shareProcessor();
+    Answerer answerer;
+    others.await();
+    const cpu_set_t shared = answerer.processors();
+    EXPECT_EQ(CPU_COUNT(&shared), 1);
+    const cpu_set_t own = processorsOfThisThread();
+    EXPECT_TRUE(CPU_EQUAL(&shared, &own));
+}
+
+TEST_F(Processors, SharedAreSharedByWhoIsBoundToOthersLater) {
+    Quiescence others;
+    others.shareProcessor();
+    Answerer answerer;
+    others.await();
+    const cpu_set_t shared = answerer.processors();
+    answerer.bindTo(before_);
+    others.await();
+    const cpu_set_t after = answerer.processors();
+    EXPECT_TRUE(CPU_EQUAL(&after, &shared));
+}
+
+TEST_F(Processors, SharedGiveEveryTurnItsEnd) {
+    constexpr int kQuestions = 2000;
+    Quiescence others;
+    others.shareProcessor();
+    Answerer answerer;
+    others.await();
+    int late = 0;
+    for (int question = 1; question <= kQuestions; ++question) {
+        answerer.ask(question);
+        others.await();
+        if (answerer.answered() != question) ++late;
+    }
+    EXPECT_EQ(late, 0);
+}
