@@ -128,6 +128,10 @@ private:
             return link_.toAmplifier_.empty() && !isEmptyTalk_ ? tvk::TransportStatus::NothingDone
                                                                : tvk::TransportStatus::Success;
         }
+        bool hasInput() const override {
+            const std::lock_guard lock(link_.mutex_);
+            return !link_.isPlugged || link_.isTalking || !link_.toAmplifier_.empty();
+        }
         tvk::OwnedBytes pop() override {
             const std::lock_guard lock(link_.mutex_);
             if (isEmptyTalk_ || link_.toAmplifier_.empty()) return nullptr;

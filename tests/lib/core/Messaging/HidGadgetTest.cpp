@@ -180,6 +180,17 @@ TEST_F(HidGadgetTest, NothingToReadIsNothingDone) {
     EXPECT_EQ(receiver.pop(), nullptr);
 }
 
+TEST_F(HidGadgetTest, InputIsAReportOrALostDevice) {
+    open();
+    EXPECT_FALSE(receiver.hasInput());
+    pty.deliver(report(1));
+    EXPECT_TRUE(receiver.hasInput());
+    EXPECT_EQ(receiver.receive(), TransportStatus::Success);
+    EXPECT_FALSE(receiver.hasInput());
+    pty.hangUp();
+    EXPECT_TRUE(receiver.hasInput());
+}
+
 TEST_F(HidGadgetTest, AReportIsAFrameWithoutItsLastByte) {
     open();
     pty.deliver(report(100));
