@@ -44,7 +44,7 @@ void VirtualCard::configure(Settings settings) {
     origin_ = kNoFrame;
     isInTransport_ = false;
     playedUpTo_ = 0;
-    faults_.assign(settings_.faults.begin(), settings_.faults.end());
+    faults_ = std::exchange(settings_.faults, {});
     std::stable_sort(faults_.begin(), faults_.end(),
                      [](const Fault& a, const Fault& b) { return a.period < b.period; });
     shortReadEnd_ = kNoFrame;
