@@ -12,8 +12,9 @@ namespace {
 // Two threads that start others at once would wait for each other.
 constexpr std::chrono::milliseconds kLongestStart{200};
 
-// A helper that looked for work all the time would take the processor from those that time waits for.
-constexpr std::chrono::milliseconds kLongestWaitForAJob{1};
+// For a helper that nobody rings for. Longer than a tick of the kernel: on a virtual machine a timer that ends
+// sooner takes longer to set than most jobs to do.
+constexpr std::chrono::milliseconds kLongestWaitForAJob{100};
 
 }  // namespace
 

@@ -42,6 +42,9 @@ private:
     long nanoseconds_ = 4'000;
 };
 
+// Of real-time priorities, SCHED_FIFO's and SCHED_RR's.
+constexpr int kLowest = 1;
+
 // What a thread may be blocked in while it waits. Disk calls are not among them.
 constexpr long kWaits[] = {
     SYS_futex,         SYS_ppoll,  SYS_pselect6,   SYS_epoll_pwait,     SYS_nanosleep, SYS_clock_nanosleep,
@@ -126,11 +129,13 @@ unsigned long Quiescence::linksOfTasks() const {
     return fstat(folder_, &status) == 0 ? status.st_nlink : 0;
 }
 
+void Quiescence::closeFiles(const Task& task) {
+    for (const int file : {task.call, task.state, task.turns})
+        if (file != -1) close(file);
+}
+
 void Quiescence::closeAll() {
-    for (const Task& task : tasks_) {
-        close(task.call);
-        close(task.state);
-    }
+    std::for_each(tasks_.begin(), tasks_.end(), closeFiles);
     tasks_.clear();
 }
 
@@ -161,6 +166,9 @@ bool Quiescence::await(std::chrono::nanoseconds atMost) {
 
 bool Quiescence::isQuiet() {
     if (!isUpToDate()) listTasks();
+    goBelowOthers();
+    // Nobody runs beside who is below all others.
+    if (isBelow_) return allWait();
     const long before = fallenAsleep();
     return allWait() && fallenAsleep() == before;
 }
@@ -197,20 +205,35 @@ void Quiescence::share() {
     });
 }
 
+void Quiescence::goBelowOthers() {
+    const pid_t caller = thisThread();
+    if (caller != below_ && areSharing_ && sched_getscheduler(0) == SCHED_FIFO) {
+        const sched_param lowest{kLowest};
+        if (sched_setparam(0, &lowest) == 0) below_ = caller;
+    }
+    isBelow_ = areSharing_ && caller == below_;
+}
+
 void Quiescence::listTask(pid_t id) {
     const std::string folder = std::string(kTasks) + "/" + std::to_string(id);
-    const int call = open((folder + "/syscall").c_str(), O_RDONLY | O_CLOEXEC);
-    if (call == -1) return;
-    const int state = open((folder + "/stat").c_str(), O_RDONLY | O_CLOEXEC);
-    if (state == -1)
-        close(call);
+    const auto openFile = [&folder](const char* name) {
+        return open((folder + name).c_str(), O_RDONLY | O_CLOEXEC);
+    };
+    const int call = openFile("/syscall");
+    const int state = openFile("/stat");
+    const int turns = openFile("/schedstat");
+    sched_param param{};
+    const bool isRealtime = sched_getparam(id, &param) == 0 && param.sched_priority > kLowest;
+    const Task task{id, call, state, turns, isRealtime};
+    if (call == -1 || state == -1)
+        closeFiles(task);
     else
-        tasks_.push_back({id, call, state});
+        tasks_.push_back(task);
 }
 
 bool Quiescence::allWait() {
     const pid_t caller = thisThread();
-    for (const Task& task : tasks_) {
+    for (Task& task : tasks_) {
         if (task.id == caller || task.id == leftOut_ || isNapping(task.id)) continue;
         const State state = stateOf(task);
         if (state == State::Gone) links_ = 0;
@@ -219,7 +242,18 @@ bool Quiescence::allWait() {
     return true;
 }
 
-Quiescence::State Quiescence::stateOf(const Task& task) const {
+// While the caller runs below it, a thread of real-time priority has not been woken; one that has had no turn
+// since it waited still waits for the same.
+Quiescence::State Quiescence::stateOf(Task& task) const {
+    if (!isBelow_ || !task.isRealtime) return stateByFiles(task);
+    const std::optional<long> turns = turnsOf(task);
+    if (turns && turns == task.turnsAtRest) return State::Waiting;
+    const State state = stateByFiles(task);
+    task.turnsAtRest = state == State::Waiting ? turns : std::nullopt;
+    return state;
+}
+
+Quiescence::State Quiescence::stateByFiles(const Task& task) const {
     const State state = stateByCall(task);
     return state == State::Waiting && !areSharing_ && !isAsleep(task) ? State::AtWork : state;
 }
@@ -233,6 +267,18 @@ Quiescence::State Quiescence::stateByCall(const Task& task) {
     if (std::from_chars(text, text + length, call).ec != std::errc()) return State::AtWork;
     const bool isWait = std::find(std::begin(kWaits), std::end(kWaits), call) != std::end(kWaits);
     return isWait ? State::Waiting : State::AtWork;
+}
+
+// How often it has come to run, the last of the file's three numbers; read in half the time of the call.
+std::optional<long> Quiescence::turnsOf(const Task& task) {
+    char text[80];
+    const ssize_t length = pread(task.turns, text, sizeof text, 0);
+    if (length <= 0) return std::nullopt;
+    const char* const end = text + length;
+    const std::size_t last = std::string_view(text, end).rfind(' ') + 1;
+    long turns = 0;
+    if (std::from_chars(text + last, end, turns).ec != std::errc()) return std::nullopt;
+    return turns;
 }
 
 // "7 (name) S ...", of which the name may contain anything.

@@ -11,6 +11,7 @@ BackgroundFFTConvolverThread::BackgroundFFTConvolverThread(SplitConvolver& convo
 
 BackgroundFFTConvolverThread::~BackgroundFFTConvolverThread() {
     stop();
+    convolver_.tailBell().ring();
     join();
 }
 

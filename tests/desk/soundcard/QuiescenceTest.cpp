@@ -1,12 +1,16 @@
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <sched.h>
 #include <thread>
+#include <unistd.h>
+#include <utility>
 
 #include "desk/soundcard/Quiescence.h"
 
+using namespace std::chrono_literals;
 using tvk::desk::Quiescence;
 
 namespace {
@@ -31,10 +35,20 @@ public:
     }
     int answered() const { return answered_; }
 
+    // The next question is answered after a byte has been read there.
+    void readFrom(int descriptor) {
+        readsFrom_ = descriptor;
+        ask(answered_ + 1);
+    }
+
     cpu_set_t processors() {
         cpu_set_t set;
         pthread_getaffinity_np(thread_.native_handle(), sizeof set, &set);
         return set;
+    }
+    void setPriority(int priority) {
+        const sched_param param{priority};
+        pthread_setschedparam(thread_.native_handle(), SCHED_FIFO, &param);
     }
     void bindTo(const cpu_set_t& set) {
         pthread_setaffinity_np(thread_.native_handle(), sizeof set, &set);
@@ -43,10 +57,15 @@ public:
 
 private:
     static constexpr int kEnd = -1;
+    static constexpr int kNothing = -1;
 
     void run() {
         std::unique_lock lock(mutex_);
         while (question_ != kEnd) {
+            char byte = 0;
+            if (const int descriptor = std::exchange(readsFrom_, kNothing); descriptor != kNothing) {
+                EXPECT_EQ(read(descriptor, &byte, 1), 1);
+            }
             answered_ = question_;
             asked_.wait(lock, [this] { return question_ != answered_; });
         }
@@ -56,6 +75,7 @@ private:
     std::condition_variable asked_;
     int question_ = 0;
     std::atomic<int> answered_{0};
+    int readsFrom_ = kNothing;
     std::thread thread_;  // the last: it uses all others
 };
 
@@ -80,6 +100,28 @@ protected:
     }
 
     const cpu_set_t before_ = processorsOfThisThread();
+};
+
+// The test's thread and those that share its processor have real-time priorities, where the machine allows
+// it.
+class RealtimeProcessor : public Processors {
+protected:
+    ~RealtimeProcessor() override {
+        const sched_param none{};
+        pthread_setschedparam(pthread_self(), SCHED_OTHER, &none);
+    }
+    void SetUp() override {
+#ifdef TARVEK_SANITIZED
+        GTEST_SKIP() << "a sanitizer's runtime spins for its locks, for ever on a shared processor";
+#endif
+        const sched_param param{kPriority};
+        if (pthread_setschedparam(pthread_self(), SCHED_FIFO, &param) != 0)
+            GTEST_SKIP() << "no real-time priority for this user";
+        others_.shareProcessor();
+    }
+
+    static constexpr int kPriority = 3;
+    Quiescence others_;
 };
 
 // How many of 2000 questions have no answer yet when the others are said to be at rest.
@@ -133,4 +175,34 @@ TEST_F(Processors, SharedGiveEveryTurnItsEnd) {
     others.shareProcessor();
     Answerer answerer;
     EXPECT_EQ(lateAnswers(others, answerer), 0);
+}
+
+TEST_F(RealtimeProcessor, OfWhoAwaitsGoesBelowThoseOfTheOthers) {
+    Answerer answerer;
+    answerer.setPriority(kPriority - 1);
+    others_.await();
+    sched_param own{};
+    sched_getparam(0, &own);
+    EXPECT_EQ(own.sched_priority, 1);
+}
+
+TEST_F(RealtimeProcessor, GivesEveryTurnItsEnd) {
+    Answerer answerer;
+    answerer.setPriority(kPriority - 1);
+    EXPECT_EQ(lateAnswers(others_, answerer), 0);
+}
+
+TEST_F(RealtimeProcessor, DoesNotHideThatAThreadAtRestHasGoneOnToACallThatIsNoWait) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    Answerer answerer;
+    answerer.setPriority(kPriority - 1);
+    others_.await();
+    EXPECT_TRUE(others_.await(0ns));
+    answerer.readFrom(ends[0]);
+    EXPECT_FALSE(others_.await(0ns));
+    EXPECT_EQ(write(ends[1], "x", 1), 1);
+    others_.await();
+    close(ends[0]);
+    close(ends[1]);
 }

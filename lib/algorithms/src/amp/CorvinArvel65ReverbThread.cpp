@@ -29,6 +29,7 @@ CorvinArvel65ReverbThread::CorvinArvel65ReverbThread(MeasuredSpringTank& reverb,
 
 CorvinArvel65ReverbThread::~CorvinArvel65ReverbThread() {
     stop();
+    handover_.bell().ring();
     join();
     tvk::log::debug(kTag, "destructor called");
 }

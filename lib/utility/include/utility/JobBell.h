@@ -1,4 +1,5 @@
-// The bell of a helper thread's door: rung by whoever has left a job there.
+// The bell of a helper thread's door: rung by whoever has left a job there, and by whoever wants the thread
+// to end.
 //
 // The live process's helpers look for jobs at their own pace and never wait at it. Where one clock makes the
 // time of all (Clock::awaitJob), they sleep until it rings.
@@ -12,7 +13,7 @@ namespace tvk {
 
 class JobBell {
 public:
-    // There is a job, and the helper can see it. Any thread, the audio thread too: two atomic steps, and a
+    // There is something to do, and the helper can see it. Any thread, the audio thread too: two atomic steps, and a
     // call to the kernel if the helper waits.
     void ring();
 

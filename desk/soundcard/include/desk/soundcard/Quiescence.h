@@ -10,6 +10,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <sys/types.h>
 #include <vector>
 
@@ -37,7 +38,8 @@ public:
 
     // From now on the threads that are looked at share the processor that the caller is on now, whatever they
     // were bound to. Those that take turns lose nothing by it: a hand-over is shorter than between two
-    // processors, and nobody is woken unseen.
+    // processors, and nobody is woken unseen. A thread of real-time priority that awaits the others is below
+    // all of them from then on, so that it mostly finds them at rest.
     void shareProcessor();
 
     // The processor of a thread has been chosen: it is to share the common one from the next look on. Any
@@ -58,6 +60,9 @@ private:
         pid_t id;
         int call;   // its file "syscall"
         int state;  // its file "stat"
+        int turns;  // its file "schedstat", where the kernel has it
+        bool isRealtime;
+        std::optional<long> turnsAtRest{};  // how many it had had when it was last seen waiting
     };
     enum class State { Waiting, AtWork, Gone };
 
@@ -66,12 +71,16 @@ private:
     unsigned long linksOfTasks() const;
     void listTasks();
     void share();
+    void goBelowOthers();
+    static void closeFiles(const Task& task);
     void closeAll();
     bool allWait();
     void listTask(pid_t id);
-    State stateOf(const Task& task) const;
+    State stateOf(Task& task) const;
+    State stateByFiles(const Task& task) const;
     static State stateByCall(const Task& task);
     static bool isAsleep(const Task& task);
+    static std::optional<long> turnsOf(const Task& task);
 
     const int folder_;  // /proc/self/task
     std::vector<Task> tasks_;
@@ -79,6 +88,8 @@ private:
     unsigned bindings_ = 0;    // threadBound's calls that have been seen
     int processor_ = kOwnProcessors;
     bool areSharing_ = false;
+    pid_t below_ = 0;       // the thread that has gone below all others
+    bool isBelow_ = false;  // it is the one that awaits
     pid_t leftOut_ = 0;
 };
 
