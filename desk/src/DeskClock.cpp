@@ -9,11 +9,8 @@ namespace tvk::desk {
 
 namespace {
 
-// Two threads that start others at once would wait for each other.
-constexpr std::chrono::milliseconds kLongestStart{200};
-
-// For a helper that nobody rings for. Longer than a tick of the kernel: on a virtual machine a timer that ends
-// sooner takes longer to set than most jobs to do.
+// For a helper that nobody rings for. Longer than a tick of the kernel: on a virtual machine a timer that
+// ends sooner takes longer to set than most jobs to do.
 constexpr std::chrono::milliseconds kLongestWaitForAJob{100};
 
 }  // namespace
@@ -30,9 +27,10 @@ void DeskClock::awaitJob(JobBell& bell, std::chrono::nanoseconds duration) {
 
 void DeskClock::threadStarted() {
     Quiescence::threadBound();
+    if (starts_ == Starts::AtOnce) return;
     Quiescence others;
-    others.leaveOut(time_.audioThread());
-    others.await(kLongestStart);
+    others.leaveOutWhoAwaits();
+    others.await();
 }
 
 int DeskClock::poll(pollfd* descriptors, nfds_t count, std::chrono::milliseconds timeout) {

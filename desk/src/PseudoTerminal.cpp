@@ -5,20 +5,22 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
-#include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include "desk/Refusal.h"
+#include "utility/Clock.h"
 
 namespace tvk::desk {
 
 namespace {
 
-// A reader may take some of the bytes on the way, so that they are never all seen waiting.
-constexpr std::chrono::milliseconds kLongestHandOver{20};
+// The kernel's thread has no real-time priority and may have to wait for those that have. A reader may take
+// some of the bytes before they are looked at, so that they are never all seen waiting.
+constexpr std::chrono::seconds kLongestHandOver{1};
+constexpr std::chrono::microseconds kBetweenLooks{20};
 
 // The line holds 4095 bytes for its reader and keeps the rest out of sight.
 constexpr int kMostSeenWaiting = 4000;
@@ -47,8 +49,12 @@ PseudoTerminal::~PseudoTerminal() {
 
 std::vector<std::uint8_t> PseudoTerminal::read(std::size_t most) {
     std::vector<std::uint8_t> bytes(most);
-    const ssize_t count = ::read(master_, bytes.data(), bytes.size());
-    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    std::size_t filled = 0;
+    // A read gives what has been carried over by then; one that finds nothing waits until all is.
+    ssize_t count = 0;
+    while (filled < most && (count = ::read(master_, bytes.data() + filled, most - filled)) > 0)
+        filled += static_cast<std::size_t>(count);
+    bytes.resize(filled);
     return bytes;
 }
 
@@ -58,9 +64,15 @@ void PseudoTerminal::write(std::span<const std::uint8_t> bytes) {
     const ssize_t count = ::write(master_, bytes.data(), bytes.size());
     if (count <= 0 || before + count > kMostSeenWaiting) return;
     const auto end = std::chrono::steady_clock::now() + kLongestHandOver;
-    // Asking for input lets the kernel finish the transfer; nothing there after that has been read already.
-    while (slaveHasInput() && waitingAtSlave() < before + count && std::chrono::steady_clock::now() < end)
-        sched_yield();
+    int seen = 0;
+    // Asking for input lets the kernel begin the transfer; nothing there after that has been read already.
+    while (slaveHasInput()) {
+        const int waiting = waitingAtSlave();
+        const bool isBeingRead = waiting < seen;
+        if (waiting >= before + count || isBeingRead || std::chrono::steady_clock::now() >= end) return;
+        seen = waiting;
+        Clock::current().nap(kBetweenLooks);
+    }
 }
 
 bool PseudoTerminal::setFlow(bool isFlowing) {

@@ -1,4 +1,6 @@
+#include <atomic>
 #include <gtest/gtest.h>
+#include <semaphore>
 #include <sys/eventfd.h>
 #include <thread>
 #include <unistd.h>
@@ -12,6 +14,8 @@ using tvk::desk::VirtualTime;
 using namespace std::chrono_literals;
 
 namespace {
+
+constexpr int kMuchWork = 1000000;
 
 class DeskClockTest : public ::testing::Test {
 protected:
@@ -77,4 +81,41 @@ TEST_F(DeskClockTest, APollWithoutALimitWaitsForTheDataItself) {
     eventfd_write(event_.fd, 1);
     EXPECT_EQ(clock_.poll(&event_, 1, -1ms), 1);
     EXPECT_EQ(time_.now(), 0ms);
+}
+
+TEST_F(DeskClockTest, ANewThreadComesToItsFirstWaitBeforeItsStarterGoesOn) {
+    std::atomic<int> done{0};
+    std::binary_semaphore end{0};
+    std::thread started([&] {
+        for (int n = 0; n < kMuchWork; ++n)
+            done.store(n + 1, std::memory_order_relaxed);
+        end.acquire();
+    });
+    clock_.threadStarted();
+    EXPECT_EQ(done, kMuchWork);
+    end.release();
+    started.join();
+}
+
+TEST_F(DeskClockTest, AStarterDoesNotWaitForAThreadThatAwaitsItsRest) {
+    std::thread awaiting([this] { others_.await(); });
+    clock_.threadStarted();
+    awaiting.join();
+}
+
+TEST_F(DeskClockTest, StartersDoNotWaitForEachOther) {
+    std::thread another([this] { clock_.threadStarted(); });
+    clock_.threadStarted();
+    another.join();
+}
+
+TEST_F(DeskClockTest, AStarterGoesOnWhereThreadsRunFreeOfEachOther) {
+    std::atomic<bool> hasGoneOn{false};
+    std::thread atWork([&] {
+        while (!hasGoneOn)
+            std::this_thread::yield();
+    });
+    DeskClock(time_, DeskClock::Starts::AtOnce).threadStarted();
+    hasGoneOn = true;
+    atWork.join();
 }

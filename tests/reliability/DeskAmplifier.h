@@ -19,6 +19,7 @@
 #include "proj/runner/Runner.h"
 #include "support/SteppedClientClock.h"
 #include "support/TemporaryFolder.h"
+#include "utility/BackgroundJobs.h"
 
 class DeskAmplifier {
 public:
@@ -38,12 +39,15 @@ public:
     DeskAmplifier& operator=(const DeskAmplifier&) = delete;
 
     // Runs the program until the session returns, which starts when all is built. startsHeld: time stands at
-    // the guitar's start. awaitRest as VirtualTime has it.
+    // the guitar's start. awaitRest as VirtualTime has it; none lets the threads run free of each other, and
+    // the card's time wait for the audio's helpers alone.
     void run(tvk::desk::Script script, bool startsHeld, std::function<void()> awaitRest,
              const std::function<void(Model&)>& session) {
         card.configure(settings);
-        card.virtualTime().setAwaitRest(std::move(awaitRest));
-        tvk::desk::DeskClock clock(card.virtualTime());
+        using Starts = tvk::desk::DeskClock::Starts;
+        tvk::desk::DeskClock clock(card.virtualTime(), awaitRest ? Starts::InOrder : Starts::AtOnce);
+        card.virtualTime().setAwaitRest(awaitRest ? std::move(awaitRest)
+                                                  : [] { tvk::BackgroundJobs::waitUntilIdle(); });
         tvk::desk::Peers peers(
             endpoints, &card.virtualTime(),
             {tvk::panel::ControlProcessor(tvk::panel::demonstrationPins(0)), true, std::move(script)});

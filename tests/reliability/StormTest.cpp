@@ -23,7 +23,6 @@
 #include "client/SocketLink.h"
 #include "proj/models/Model.h"
 #include "reliability/DeskAmplifier.h"
-#include "utility/BackgroundJobs.h"
 #include "utility/Log.h"
 
 namespace fs = std::filesystem;
@@ -297,31 +296,29 @@ protected:
 TEST_F(Storm, LeavesOneTruth) {
     std::ifstream stream(desk_.root.homeRoot / "IRs" / "TestCabinet1.wav", std::ios::binary);
     response_.assign(std::istreambuf_iterator<char>(stream), {});
-    desk_.run(
-        cable(), false, [] { tvk::BackgroundJobs::waitUntilIdle(); },
-        [&](Model& model) {
-            tvk::log::enableDebug(false);
-            const auto start = desk_.card.virtualTime().now();
-            std::thread panel([this] { stormOfThePanel(); });
-            std::thread client([this] { stormOfTheClient(); });
-            panel.join();
-            client.join();
-            // The last plug.
-            while (desk_.card.virtualTime().now() < start + std::chrono::seconds(4 * kUnplugs + 1))
-                pass(100ms);
+    desk_.run(cable(), false, {}, [&](Model& model) {
+        tvk::log::enableDebug(false);
+        const auto start = desk_.card.virtualTime().now();
+        std::thread panel([this] { stormOfThePanel(); });
+        std::thread client([this] { stormOfTheClient(); });
+        panel.join();
+        client.join();
+        // The last plug.
+        while (desk_.card.virtualTime().now() < start + std::chrono::seconds(4 * kUnplugs + 1))
+            pass(100ms);
 
-            settleThePanel(model);
-            expectFilesAsTheClientSeesThem();
-            // The client's connection lapses, and the switch's slot is in force.
-            pass(7s);
-            const std::array<double, 2> before = loudness();
-            EXPECT_GT(before[0], 1e-3);
-            // A new amplifier is given everything from the models: nothing changes if the engine had it all.
-            becomeProduct(1);
-            becomeProduct(0);
-            pass(3s);
-            const std::array<double, 2> after = loudness();
-            EXPECT_NEAR(after[0] / before[0], 1.0, 0.02);
-            EXPECT_NEAR(after[1] / before[1], 1.0, 0.02);
-        });
+        settleThePanel(model);
+        expectFilesAsTheClientSeesThem();
+        // The client's connection lapses, and the switch's slot is in force.
+        pass(7s);
+        const std::array<double, 2> before = loudness();
+        EXPECT_GT(before[0], 1e-3);
+        // A new amplifier is given everything from the models: nothing changes if the engine had it all.
+        becomeProduct(1);
+        becomeProduct(0);
+        pass(3s);
+        const std::array<double, 2> after = loudness();
+        EXPECT_NEAR(after[0] / before[0], 1.0, 0.02);
+        EXPECT_NEAR(after[1] / before[1], 1.0, 0.02);
+    });
 }

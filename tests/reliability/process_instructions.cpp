@@ -9,7 +9,6 @@
 #include "client/SocketLink.h"
 #include "reliability/DeskAmplifier.h"
 #include "support/SteppedClientClock.h"
-#include "utility/BackgroundJobs.h"
 #include "utility/Log.h"
 
 using namespace std::chrono_literals;
@@ -32,25 +31,23 @@ int main(int argc, char** argv) {
         for (int i = 0; i < DeskAmplifier::kRateHz; ++i)
             guitar.push_back(0.1f * static_cast<float>(std::sin(0.0627 * i)));
     int answers = 0;
-    desk.run(
-        {}, true, [] { tvk::BackgroundJobs::waitUntilIdle(); },
-        [&](Model&) {
-            tvk::log::enableDebug(false);
-            tvk::desk::VirtualTime& time = desk.card.virtualTime();
-            tvk::client::SocketLink link(desk.endpoints.hid().string());
-            SteppedClientClock clock = desk.clientClock();
-            tvk::client::Session session(link, clock);
-            session.connect();
-            const auto begin = time.now();
-            time.run(1s);
-            measurement_begins();
-            const auto end = time.now() + 1s;
-            while (isStreaming && time.now() < end - 50ms)
-                answers += session.ask(tvk::client::requests::cabsimIRList()).replies.empty() ? 0 : 1;
-            time.run(end - time.now());
-            measurement_ends();
-            std::printf("%d answers in %.3f s of %.3f s\n", answers, 1.0,
-                        std::chrono::duration<double>(time.now() - begin).count());
-        });
+    desk.run({}, true, {}, [&](Model&) {
+        tvk::log::enableDebug(false);
+        tvk::desk::VirtualTime& time = desk.card.virtualTime();
+        tvk::client::SocketLink link(desk.endpoints.hid().string());
+        SteppedClientClock clock = desk.clientClock();
+        tvk::client::Session session(link, clock);
+        session.connect();
+        const auto begin = time.now();
+        time.run(1s);
+        measurement_begins();
+        const auto end = time.now() + 1s;
+        while (isStreaming && time.now() < end - 50ms)
+            answers += session.ask(tvk::client::requests::cabsimIRList()).replies.empty() ? 0 : 1;
+        time.run(end - time.now());
+        measurement_ends();
+        std::printf("%d answers in %.3f s of %.3f s\n", answers, 1.0,
+                    std::chrono::duration<double>(time.now() - begin).count());
+    });
     return 0;
 }

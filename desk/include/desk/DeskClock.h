@@ -8,8 +8,12 @@ namespace tvk::desk {
 
 class DeskClock final : public Clock {
 public:
+    // Whether a new thread comes to its first wait before its starter goes on. It does not where threads run
+    // free of each other: some are always at work then.
+    enum class Starts { InOrder, AtOnce };
+
     // The time outlives the clock.
-    explicit DeskClock(VirtualTime& time) : time_(time) {}
+    explicit DeskClock(VirtualTime& time, Starts starts = Starts::InOrder) : time_(time), starts_(starts) {}
 
     std::chrono::nanoseconds now() override { return time_.now(); }
     void sleepFor(std::chrono::nanoseconds duration) override { time_.sleepFor(duration); }
@@ -30,6 +34,7 @@ public:
 
 private:
     VirtualTime& time_;
+    const Starts starts_;
 };
 
 }  // namespace tvk::desk

@@ -54,12 +54,13 @@ constexpr long kWaits[] = {
 #endif
 };
 
-// Who naps. More threads than there are places are looked at as all others are.
+// Who naps, and who awaits others. More threads than there are places are looked at as all others are.
 struct Place {
     std::atomic<pid_t> thread{0};
     std::atomic<bool> isNapping{false};
+    std::atomic<bool> isAwaiting{false};
 };
-std::array<Place, 32> places;
+std::array<Place, 64> places;
 
 std::atomic<unsigned> bindings{0};
 
@@ -81,8 +82,8 @@ public:
     OwnPlace(const OwnPlace&) = delete;
     OwnPlace& operator=(const OwnPlace&) = delete;
 
-    void setNapping(bool isNapping) {
-        if (place_) place_->isNapping.store(isNapping);
+    void set(std::atomic<bool> Place::*what, bool isSo) {
+        if (place_) (place_->*what).store(isSo);
     }
 
 private:
@@ -90,9 +91,9 @@ private:
 };
 thread_local OwnPlace ownPlace;
 
-bool isNapping(pid_t thread) {
-    return std::any_of(places.begin(), places.end(), [thread](const Place& place) {
-        return place.thread.load() == thread && place.isNapping.load();
+bool is(pid_t thread, std::atomic<bool> Place::*what) {
+    return std::any_of(places.begin(), places.end(), [thread, what](const Place& place) {
+        return place.thread.load() == thread && (place.*what).load();
     });
 }
 
@@ -110,11 +111,11 @@ pid_t thisThread() {
 }  // namespace
 
 Quiescence::Nap::Nap() {
-    ownPlace.setNapping(true);
+    ownPlace.set(&Place::isNapping, true);
 }
 
 Quiescence::Nap::~Nap() {
-    ownPlace.setNapping(false);
+    ownPlace.set(&Place::isNapping, false);
 }
 
 Quiescence::Quiescence() : folder_(open(kTasks, O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
@@ -149,22 +150,14 @@ void Quiescence::threadBound() {
 }
 
 void Quiescence::await() {
+    ownPlace.set(&Place::isAwaiting, true);
     Pause pause;
-    while (!isQuiet())
+    while (!areAtRest())
         pause.make();
+    ownPlace.set(&Place::isAwaiting, false);
 }
 
-bool Quiescence::await(std::chrono::nanoseconds atMost) {
-    const auto end = std::chrono::steady_clock::now() + atMost;
-    Pause pause;
-    while (!isQuiet()) {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        pause.make();
-    }
-    return true;
-}
-
-bool Quiescence::isQuiet() {
+bool Quiescence::areAtRest() {
     if (!isUpToDate()) listTasks();
     goBelowOthers();
     // Nobody runs beside who is below all others.
@@ -234,7 +227,9 @@ void Quiescence::listTask(pid_t id) {
 bool Quiescence::allWait() {
     const pid_t caller = thisThread();
     for (Task& task : tasks_) {
-        if (task.id == caller || task.id == leftOut_ || isNapping(task.id)) continue;
+        const bool isLeftOut = task.id == caller || is(task.id, &Place::isNapping) ||
+                               (leavesOutWhoAwaits_ && is(task.id, &Place::isAwaiting));
+        if (isLeftOut) continue;
         const State state = stateOf(task);
         if (state == State::Gone) links_ = 0;
         if (state != State::Waiting) return false;

@@ -18,6 +18,9 @@ namespace {
 // Longer than most turns take, shorter than anybody waits for: a look at all threads takes over then.
 constexpr std::chrono::microseconds kLongestShortTurn{100};
 
+// For whoever is on the way in, and for the lock's holder, who may be of lower priority.
+constexpr std::chrono::microseconds kBetweenWaits{20};
+
 std::string nameOfThisThread() {
     char name[16] = "";
     prctl(PR_GET_NAME, name);
@@ -44,20 +47,28 @@ private:
     VirtualTime* time_ = nullptr;
 };
 
+// Who waits for the lock is at work, and looks to the kernel as if it waited: its way in is counted.
+std::unique_lock<std::mutex> VirtualTime::enter() const {
+    arrivals_.fetch_add(1);
+    std::unique_lock lock(mutex_);
+    admissions_.fetch_add(1);
+    return lock;
+}
+
 VirtualTime::Nanoseconds VirtualTime::now() const {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = enter();
     return now_;
 }
 
 void VirtualTime::markAudioThread() {
     if (Mark::ofThisThread().isOf(this)) return;
     Mark::ofThisThread().set(this);
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = enter();
     audioThread_ = static_cast<pid_t>(syscall(SYS_gettid));
 }
 
 void VirtualTime::endOfAudioThread() {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = enter();
     audioThread_ = 0;
     for (Sleeper* const sleeper : sleepers_)
         sleeper->wake.notify_one();
@@ -66,12 +77,15 @@ void VirtualTime::endOfAudioThread() {
 void VirtualTime::rest(std::unique_lock<std::mutex>& lock) {
     if (!awaitRest_ || isReleased_) return;
     lock.unlock();
-    awaitRest_();
+    // Until all who had come were in when the wait began, and nobody came during it.
+    for (unsigned admitted = admissions_.load(); awaitRest_(), arrivals_.load() != admitted;
+         admitted = admissions_.load())
+        std::this_thread::sleep_for(kBetweenWaits);
     lock.lock();
 }
 
 void VirtualTime::waitUntil(Nanoseconds deadline) {
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock = enter();
     bool isAnyoneAtWork = true;
     const auto restAfterWork = [&] {
         if (std::exchange(isAnyoneAtWork, false)) rest(lock);
@@ -172,7 +186,7 @@ void VirtualTime::sleepUntilWork(Nanoseconds step, const Question& hasWork) {
 }
 
 void VirtualTime::sleep(Nanoseconds duration, const Question* hasWork) {
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock = enter();
     Sleeper self;
     self.deadline = now_ + duration;
     self.step = duration;
@@ -202,12 +216,12 @@ void VirtualTime::sleep(Nanoseconds duration, const Question* hasWork) {
 }
 
 void VirtualTime::hold() {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = enter();
     limit_ = now_;
 }
 
 bool VirtualTime::run(Nanoseconds duration) {
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock = enter();
     changed_.wait(lock, [this] { return isHeld_ || isReleased_; });
     if (duration > Nanoseconds::zero()) {
         limit_ += duration;
@@ -222,7 +236,7 @@ bool VirtualTime::run(Nanoseconds duration) {
 }
 
 void VirtualTime::release() {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = enter();
     isReleased_ = true;
     changed_.notify_all();
     for (Sleeper* const sleeper : sleepers_)
@@ -230,7 +244,7 @@ void VirtualTime::release() {
 }
 
 void VirtualTime::reset() {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock = enter();
     now_ = Nanoseconds::zero();
     nextTick_ = Nanoseconds::zero();
     limit_ = Nanoseconds::max();

@@ -9,7 +9,6 @@
 // Linux from 2.6.27 on, with CONFIG_HAVE_ARCH_TRACEHOOK, as all of Debian's kernels have it.
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <sys/types.h>
 #include <vector>
@@ -33,8 +32,8 @@ public:
     Quiescence(const Quiescence&) = delete;
     Quiescence& operator=(const Quiescence&) = delete;
 
-    // A thread that asks and is not asked about; the caller of await is one in any case. Any thread.
-    void leaveOut(pid_t thread) { leftOut_ = thread; }
+    // From now on threads that await others are not asked about; the caller is not in any case. Any thread.
+    void leaveOutWhoAwaits() { leavesOutWhoAwaits_ = true; }
 
     // From now on the threads that are looked at share the processor that the caller is on now, whatever they
     // were bound to. Those that take turns lose nothing by it: a hand-over is shorter than between two
@@ -50,8 +49,8 @@ public:
     // tell.
     void await();
 
-    // The same, until it takes too long; false then.
-    bool await(std::chrono::nanoseconds atMost);
+    // One look. As await.
+    bool areAtRest();
 
 private:
     static constexpr int kOwnProcessors = -1;
@@ -66,7 +65,6 @@ private:
     };
     enum class State { Waiting, AtWork, Gone };
 
-    bool isQuiet();
     bool isUpToDate() const;
     unsigned long linksOfTasks() const;
     void listTasks();
@@ -90,7 +88,7 @@ private:
     bool areSharing_ = false;
     pid_t below_ = 0;       // the thread that has gone below all others
     bool isBelow_ = false;  // it is the one that awaits
-    pid_t leftOut_ = 0;
+    bool leavesOutWhoAwaits_ = false;
 };
 
 }  // namespace tvk::desk

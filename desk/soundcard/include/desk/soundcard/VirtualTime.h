@@ -86,6 +86,7 @@ private:
     };
     class Mark;
 
+    std::unique_lock<std::mutex> enter() const;
     bool isMachineTime() const { return isReleased_ || audioThread() == 0; }
     void rest(std::unique_lock<std::mutex>& lock);
     bool tick(std::unique_lock<std::mutex>& lock);
@@ -100,7 +101,9 @@ private:
     std::function<void()> awaitRest_;
     std::function<bool()> tick_;
     mutable std::mutex mutex_;
-    std::condition_variable changed_;  // hold, release, and who came to wait
+    mutable std::atomic<unsigned> arrivals_{0};    // threads that wanted the lock
+    mutable std::atomic<unsigned> admissions_{0};  // and those that got it
+    std::condition_variable changed_;              // hold, release, and who came to wait
     std::condition_variable fellAsleep_;
     std::condition_variable hasAsked_;
     Nanoseconds now_{0};
