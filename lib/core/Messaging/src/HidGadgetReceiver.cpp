@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t kSlots = 26;
 constexpr std::size_t kSlotSize = 64;
+constexpr std::chrono::milliseconds kNoWait{0};
 constexpr short kDeviceGone = POLLERR | POLLHUP | POLLNVAL;
 
 using Report = std::array<std::uint8_t, kSlotSize>;
@@ -34,11 +35,10 @@ public:
         : device(d), reportSize(std::min(size, kSlotSize)), timeout(wait) {}
 
     TransportStatus receive() {
-        pollfd input{device.descriptor(), POLLIN, 0};
-        const int ready = Clock::current().poll(&input, 1, timeout);
-        if (ready < 0) return TransportStatus::Error;
-        if (ready == 0) return TransportStatus::NothingDone;
-        if (input.revents & kDeviceGone) return TransportStatus::DeviceGone;
+        const Look look = awaitInput(timeout);
+        if (look.ready < 0) return TransportStatus::Error;
+        if (look.ready == 0) return TransportStatus::NothingDone;
+        if (look.isDeviceGone) return TransportStatus::DeviceGone;
 
         Report report{};
         const ssize_t count = ::read(device.descriptor(), report.data(), reportSize);
@@ -49,10 +49,7 @@ public:
     }
 
     // A device that is gone is something to do as well.
-    bool hasInput() const {
-        pollfd input{device.descriptor(), POLLIN, 0};
-        return Clock::current().poll(&input, 1, std::chrono::milliseconds(0)) != 0;
-    }
+    bool hasInput() const { return awaitInput(kNoWait).ready != 0; }
 
     OwnedBytes pop() {
         const std::size_t slot = head.load(std::memory_order_relaxed);
@@ -64,11 +61,10 @@ public:
 
     void flush() {
         for (;;) {
-            pollfd input{device.descriptor(), POLLIN, 0};
-            const int ready = Clock::current().poll(&input, 1, std::chrono::milliseconds(0));
-            if (ready < 0) TVK_ERROR_LIMITED(log, "Error 1 while polling device.");
-            if (ready <= 0) return;
-            if (input.revents & kDeviceGone) {
+            const Look look = awaitInput(kNoWait);
+            if (look.ready < 0) TVK_ERROR_LIMITED(log, "Error 1 while polling device.");
+            if (look.ready <= 0) return;
+            if (look.isDeviceGone) {
                 TVK_ERROR_LIMITED(log, "Error 2 while polling device.");
                 return;
             }
@@ -83,6 +79,17 @@ public:
     const std::size_t reportSize;
 
 private:
+    struct Look {
+        int ready;  // as poll(2) returns it
+        bool isDeviceGone;
+    };
+
+    Look awaitInput(std::chrono::milliseconds atMost) const {
+        pollfd input{device.descriptor(), POLLIN, 0};
+        const int ready = Clock::current().poll(&input, 1, atMost);
+        return {ready, (input.revents & kDeviceGone) != 0};
+    }
+
     void push(const Report& report) {
         const std::size_t slot = tail.load(std::memory_order_relaxed);
         const std::size_t next = (slot + 1) % kSlots;
