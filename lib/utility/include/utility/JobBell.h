@@ -13,8 +13,8 @@ namespace tvk {
 
 class JobBell {
 public:
-    // There is something to do, and the helper can see it. Any thread, the audio thread too: two atomic steps, and a
-    // call to the kernel if the helper waits.
+    // There is something to do, and the helper can see it. Any thread, the audio thread too: two atomic
+    // steps, and a call to the kernel if the helper waits.
     void ring();
 
     // Returns when the bell has rung since the last call, or after `atMost` of the machine's time. The

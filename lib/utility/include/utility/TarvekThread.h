@@ -4,8 +4,8 @@
 // from it stops and joins in its own destructor, before its members go: by the time ~TarvekThread runs, the
 // hooks are no longer there to be called. Threads start last in their owner's constructor.
 //
-// start, stop and join belong to the owner's thread; init and loop run on the new one, which waits until start
-// has set processor and priority.
+// start, stop and join belong to the owner's thread; init and loop run on the new one, which waits until
+// start has set processor and priority.
 #pragma once
 
 #include <atomic>

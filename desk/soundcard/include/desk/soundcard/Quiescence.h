@@ -56,11 +56,11 @@ private:
     static constexpr int kOwnProcessors = -1;
 
     struct Task {
-        pid_t id;
-        int call;   // its file "syscall"
-        int state;  // its file "stat"
-        int turns;  // its file "schedstat", where the kernel has it
-        bool isRealtime;
+        pid_t id = 0;
+        int call = -1;   // its file "syscall"
+        int state = -1;  // its file "stat"
+        int turns = -1;  // its file "schedstat", where the kernel has it
+        bool isRealtime = false;
         std::optional<long> turnsAtRest{};  // how many it had had when it was last seen waiting
     };
     enum class State { Waiting, AtWork, Gone };
