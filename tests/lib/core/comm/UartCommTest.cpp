@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "core/comm/UartComm.h"
+#include "support/HeldClock.h"
 #include "support/LogRecorder.h"
 #include "support/PtyPair.h"
-#include "support/HeldClock.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
