@@ -264,7 +264,8 @@ Quiescence::State Quiescence::stateByCall(const Task& task) {
     return isWait ? State::Waiting : State::AtWork;
 }
 
-// How often it has come to run, the last of the file's three numbers; read in half the time of the call.
+// How often it has come to run, the last of the file's three numbers; read in 1.1 us, the call in 2.4 us
+// (measured on a virtual machine of 2.4 GHz).
 std::optional<long> Quiescence::turnsOf(const Task& task) {
     char text[80];
     const ssize_t length = pread(task.turns, text, sizeof text, 0);

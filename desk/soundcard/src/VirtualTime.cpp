@@ -18,9 +18,6 @@ namespace {
 // Longer than most turns take, shorter than anybody waits for: a look at all threads takes over then.
 constexpr std::chrono::microseconds kLongestShortTurn{100};
 
-// For whoever is on the way in, and for the lock's holder, who may be of lower priority.
-constexpr std::chrono::microseconds kBetweenWaits{20};
-
 std::string nameOfThisThread() {
     char name[16] = "";
     prctl(PR_GET_NAME, name);
@@ -51,7 +48,8 @@ private:
 std::unique_lock<std::mutex> VirtualTime::enter() const {
     arrivals_.fetch_add(1);
     std::unique_lock lock(mutex_);
-    admissions_.fetch_add(1);
+    ++admissions_;
+    hasEntered_.notify_all();
     return lock;
 }
 
@@ -75,13 +73,15 @@ void VirtualTime::endOfAudioThread() {
 }
 
 void VirtualTime::rest(std::unique_lock<std::mutex>& lock) {
-    if (!awaitRest_ || isReleased_) return;
-    lock.unlock();
     // Until all who had come were in when the wait began, and nobody came during it.
-    for (unsigned admitted = admissions_.load(); awaitRest_(), arrivals_.load() != admitted;
-         admitted = admissions_.load())
-        std::this_thread::sleep_for(kBetweenWaits);
-    lock.lock();
+    while (awaitRest_ && !isReleased_) {
+        const unsigned admitted = admissions_;
+        lock.unlock();
+        awaitRest_();
+        lock.lock();
+        if (arrivals_.load() == admitted) return;
+        hasEntered_.wait(lock, [this] { return arrivals_.load() == admissions_; });
+    }
 }
 
 void VirtualTime::waitUntil(Nanoseconds deadline) {

@@ -101,9 +101,10 @@ private:
     std::function<void()> awaitRest_;
     std::function<bool()> tick_;
     mutable std::mutex mutex_;
-    mutable std::atomic<unsigned> arrivals_{0};    // threads that wanted the lock
-    mutable std::atomic<unsigned> admissions_{0};  // and those that got it
-    std::condition_variable changed_;              // hold, release, and who came to wait
+    mutable std::atomic<unsigned> arrivals_{0};  // threads that wanted the lock
+    mutable unsigned admissions_ = 0;            // and those that got it
+    mutable std::condition_variable hasEntered_;
+    std::condition_variable changed_;  // hold, release, and who came to wait
     std::condition_variable fellAsleep_;
     std::condition_variable hasAsked_;
     Nanoseconds now_{0};
