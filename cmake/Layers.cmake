@@ -1,15 +1,54 @@
-# tarvek_layer(<target> [DEPENDS <targets>...])
+# What TARVEK_FROM_SCRATCH does. A compiler spends most of its time here on the headers that all sources include and
+# on what they make of them. Read once, and shared by files that are compiled together, this takes half of it from a
+# whole build; where a cache keeps what has been compiled it costs time, since a header is never precompiled to the
+# same bytes twice, and one change compiles many files.
+if(TARVEK_FROM_SCRATCH)
+  file(CONFIGURE OUTPUT precompiled_headers.cpp CONTENT "// Compiled as all layers are.\n")
+  add_library(tarvek_precompiled_headers STATIC ${CMAKE_CURRENT_BINARY_DIR}/precompiled_headers.cpp)
+  target_link_libraries(tarvek_precompiled_headers PRIVATE tarvek_options)
+  target_precompile_headers(tarvek_precompiled_headers PRIVATE
+    <algorithm> <array> <atomic> <chrono> <cmath> <cstdint> <cstdio> <cstring> <filesystem> <fstream> <functional>
+    <map> <memory> <mutex> <numeric> <optional> <span> <sstream> <stdexcept> <string> <string_view> <thread>
+    <utility> <vector>)
+endif()
+
+# Its files define no name twice, not even in unnamed namespaces, so that they may be compiled together.
+function(tarvek_compile_together target)
+  if(TARVEK_FROM_SCRATCH)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+    # To the compiler an unnamed namespace of an included file looks like a header's.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
+endfunction()
+
+# The sources of the current folder that parse a command line: in each the compiler makes the whole parser anew, and
+# more checks of it take it half a minute.
+function(tarvek_parses_command_line)
+  if(TARVEK_SANITIZE)
+    set_source_files_properties(${ARGN} PROPERTIES
+      COMPILE_OPTIONS "-O0;-fno-sanitize=undefined" SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
+endfunction()
+
+# tarvek_layer(<target> [TOGETHER] [DEPENDS <targets>...])
 #
 # One layer of the house: a static library of all sources below src/, with its
 # public headers below include/. A layer that is not named in DEPENDS cannot be
 # included, since its include root is not on the path.
+# TOGETHER: see tarvek_compile_together.
 function(tarvek_layer name)
-  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER" "" "DEPENDS" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS src/*.cpp)
   if(sources)
     add_library(${name} STATIC ${sources})
     target_include_directories(${name} PUBLIC include PRIVATE src)
     target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE tarvek_options)
+    if(TARVEK_FROM_SCRATCH)
+      target_precompile_headers(${name} REUSE_FROM tarvek_precompiled_headers)
+    endif()
+    if(ARG_TOGETHER)
+      tarvek_compile_together(${name})
+    endif()
   else()
     add_library(${name} INTERFACE)
     target_include_directories(${name} INTERFACE include)
@@ -28,11 +67,12 @@ function(tarvek_test_options name)
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [NATIVE] [ALONE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
+# tarvek_tests(<name> [TOGETHER] [NATIVE] [ALONE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
 # One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; with
 # TARVEK_TESTS_BY_PROGRAM, and where programs are emulated or sanitized, each program, since it takes longer to
 # start than most tests take to run.
+# TOGETHER: see tarvek_compile_together.
 # NATIVE marks a program that has nothing to say under emulation: it starts programs of ours, or looks at data
 # alone. A cross build leaves it out.
 # ALONE marks one with an amplifier's audio threads, which would take those of another their processor: they run
@@ -42,7 +82,7 @@ endfunction()
 # PATIENT names tests that take minutes where they are emulated or sanitized, and run no code there that shorter
 # ones do not: they measure, or wait long.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "NATIVE;ALONE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER;NATIVE;ALONE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
   if(NOT sources)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp)
@@ -54,8 +94,11 @@ function(tarvek_tests name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS})
   tarvek_test_options(${name})
-  if(TARVEK_TEST_PCH)
+  if(TARVEK_FROM_SCRATCH)
     target_precompile_headers(${name} REUSE_FROM test_precompiled_headers)
+  endif()
+  if(ARG_TOGETHER)
+    tarvek_compile_together(${name})
   endif()
   if((ARG_NATIVE AND CMAKE_CROSSCOMPILING) OR (ARG_ONE_THREAD AND TARVEK_SANITIZE STREQUAL "thread"))
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL TRUE)

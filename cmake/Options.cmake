@@ -2,7 +2,7 @@
 
 option(TARVEK_TESTS "Build the test suites" ON)
 option(TARVEK_TESTS_BY_PROGRAM "One ctest entry for each test program, not for each test" OFF)
-option(TARVEK_TEST_PCH "Precompile the headers that all tests include" OFF)
+option(TARVEK_FROM_SCRATCH "Compile for a machine that keeps nothing: precompiled headers, files together" OFF)
 option(TARVEK_FUZZ "Build the fuzzers instead of the test suites (needs clang)" OFF)
 set(TARVEK_SANITIZE "" CACHE STRING "Sanitizers to build with: address, thread or empty")
 
@@ -27,7 +27,8 @@ if(TARVEK_SANITIZE_FLAGS)
 endif()
 if(TARVEK_FUZZ)
   target_compile_definitions(tarvek_options INTERFACE TARVEK_SANITIZED=1)
-  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined
+    -fno-sanitize=null,vptr,object-size)
   add_link_options(-fsanitize=address,undefined)
 endif()
 

@@ -27,7 +27,7 @@ Report reportOfByte(std::uint8_t byte) {
     return report;
 }
 
-std::string failureOf(const std::function<void()>& call) {
+std::string failureTextOf(const std::function<void()>& call) {
     try {
         call();
     } catch (const ClientError& error) {
@@ -92,9 +92,10 @@ TEST_F(SocketLinkTest, AFullLinkTakesNoneAndTakesAgain) {
 
 TEST_F(SocketLinkTest, AClosedEndIsSaid) {
     far = Descriptor();
-    EXPECT_TRUE(
-        failureOf([this] { link->receive(report, kOnlyLook); }).starts_with("3 the socket: the other end"));
-    EXPECT_TRUE(failureOf([this] { link->send(report); }).starts_with("3 the socket: the other end"));
+    EXPECT_TRUE(failureTextOf([this] {
+                    link->receive(report, kOnlyLook);
+                }).starts_with("3 the socket: the other end"));
+    EXPECT_TRUE(failureTextOf([this] { link->send(report); }).starts_with("3 the socket: the other end"));
 }
 
 TEST_F(SocketLinkTest, WhatCameBeforeTheEndIsStillRead) {
@@ -122,13 +123,13 @@ TEST(OpenLink, ASocketIsConnected) {
 TEST(OpenLink, WhatIsNoLinkIsSaidWithItsPath) {
     const TemporaryFolder folder;
     std::ofstream(folder.file("file")) << "text";
-    const auto open = [](const std::string& path) { return failureOf([&path] { openLink(path); }); };
+    const auto open = [](const std::string& path) { return failureTextOf([&path] { openLink(path); }); };
     EXPECT_TRUE(open(folder.file("none")).starts_with("3 " + folder.file("none") + ": No such file"));
     EXPECT_EQ(open(folder.file("file")),
               "3 " + folder.file("file") + ": neither a socket nor a character device");
     EXPECT_TRUE(open(folder.path().string()).starts_with("3 "));
     // A path that no socket can have.
-    EXPECT_TRUE(failureOf([] { SocketLink link("/tmp/" + std::string(200, 'x')); }).starts_with("3 "));
+    EXPECT_TRUE(failureTextOf([] { SocketLink link("/tmp/" + std::string(200, 'x')); }).starts_with("3 "));
     // A socket on which nobody listens any more.
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -181,7 +182,7 @@ TEST(HidrawLink, ANodeThatIsGoneIsSaid) {
     HidrawLink link(pty.path());
     pty.hangUp();
     Report report{};
-    const std::string failure = failureOf([&] { link.receive(report, kOnlyLook); });
+    const std::string failure = failureTextOf([&] { link.receive(report, kOnlyLook); });
     EXPECT_TRUE(failure.starts_with("3 " + pty.path() + ": the amplifier is gone")) << failure;
-    EXPECT_EQ(failureOf([&] { link.send(report); }), failure);
+    EXPECT_EQ(failureTextOf([&] { link.send(report); }), failure);
 }

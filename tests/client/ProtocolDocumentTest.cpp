@@ -15,8 +15,6 @@
 
 namespace {
 
-using google::protobuf::Descriptor;
-
 std::string document() {
     std::ostringstream text;
     text << std::ifstream(TARVEK_CLIENT_DOCUMENT).rdbuf();
@@ -44,7 +42,8 @@ std::vector<Block> blocks() {
     return found;
 }
 
-void expectNamed(const Descriptor& type, const std::string& text, std::set<const Descriptor*>& seen) {
+void expectNamed(const google::protobuf::Descriptor& type, const std::string& text,
+                 std::set<const google::protobuf::Descriptor*>& seen) {
     if (!seen.insert(&type).second) return;
     for (int i = 0; i < type.field_count(); ++i) {
         EXPECT_NE(text.find("`" + type.field(i)->name() + "`"), std::string::npos)
@@ -78,9 +77,9 @@ TEST(ProtocolDocument, ItsExamplesAreTheVectors) {
 }
 
 TEST(ProtocolDocument, NamesEveryMessageAndEveryField) {
-    std::set<const Descriptor*> seen;
+    std::set<const google::protobuf::Descriptor*> seen;
     expectNamed(*TarvekMessage::descriptor(), document(), seen);
-    const Descriptor& type = *TarvekMessage::descriptor();
+    const google::protobuf::Descriptor& type = *TarvekMessage::descriptor();
     for (int i = 0; i < type.oneof_decl(0)->field_count(); ++i) {
         const auto& field = *type.oneof_decl(0)->field(i);
         EXPECT_NE(document().find("\n| " + std::to_string(field.number()) + " | `" + field.name() + "` |"),

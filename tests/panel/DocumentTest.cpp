@@ -50,15 +50,10 @@ PanelVectors::Bytes bytesOf(const std::string& text) {
     return bytes;
 }
 
-const PanelVectors& vectors() {
-    static const PanelVectors read(TARVEK_PANEL_VECTORS);
-    return read;
-}
-
 const PanelVectors::Frame* vectorOf(const PanelVectors::Bytes& bytes) {
-    const auto found = std::find_if(vectors().frames.begin(), vectors().frames.end(),
+    const auto found = std::find_if(PanelVectors::all().frames.begin(), PanelVectors::all().frames.end(),
                                     [&](const PanelVectors::Frame& frame) { return frame.bytes == bytes; });
-    return found == vectors().frames.end() ? nullptr : &*found;
+    return found == PanelVectors::all().frames.end() ? nullptr : &*found;
 }
 
 TEST(PanelDocumentTest, EveryFrameOfItIsAVectorOfItsNameValueAndType) {
@@ -109,9 +104,9 @@ TEST(PanelDocumentTest, EveryStreamOfItIsAVector) {
             for (const std::uint8_t byte : bytesOf(line))
                 bytes.push_back(byte);
         const auto found = std::find_if(
-            vectors().streams.begin(), vectors().streams.end(),
+            PanelVectors::all().streams.begin(), PanelVectors::all().streams.end(),
             [&](const PanelVectors::Stream& stream) { return "stream " + stream.about == block.kind; });
-        ASSERT_NE(found, vectors().streams.end()) << block.kind;
+        ASSERT_NE(found, PanelVectors::all().streams.end()) << block.kind;
         EXPECT_EQ(found->bytes, bytes);
         ++shown;
     }

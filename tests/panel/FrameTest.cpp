@@ -11,11 +11,6 @@ using namespace tvk::panel;
 
 namespace {
 
-const PanelVectors& vectors() {
-    static const PanelVectors read(TARVEK_PANEL_VECTORS);
-    return read;
-}
-
 std::string textOf(const PanelVectors::Bytes& bytes) {
     return {bytes.begin(), bytes.end()};
 }
@@ -57,25 +52,25 @@ TEST(PanelCrc16Test, OfTheNineDigitsIsThePublishedCheckValue) {
 }
 
 TEST(PanelCrc16Test, EqualsTheOtherImplementation) {
-    ASSERT_FALSE(vectors().checked.empty());
-    for (const auto& [bytes, crc] : vectors().checked)
+    ASSERT_FALSE(PanelVectors::all().checked.empty());
+    for (const auto& [bytes, crc] : PanelVectors::all().checked)
         EXPECT_EQ(crc16(textOf(bytes)), crc);
 }
 
 TEST(PanelFrameTest, IsEncodedToTheBytesOfEveryVector) {
-    ASSERT_GT(vectors().frames.size(), 80u);
-    for (const PanelVectors::Frame& frame : vectors().frames)
+    ASSERT_GT(PanelVectors::all().frames.size(), 80u);
+    for (const PanelVectors::Frame& frame : PanelVectors::all().frames)
         EXPECT_EQ(encode(frameOf(frame.variable)), textOf(frame.bytes)) << frame.variable;
 }
 
 TEST(PanelFrameTest, IsNotMadeWhereItDoesNotFitOrHasNoGoodName) {
-    ASSERT_FALSE(vectors().refused.empty());
-    for (const PanelVectors::Variable& variable : vectors().refused)
+    ASSERT_FALSE(PanelVectors::all().refused.empty());
+    for (const PanelVectors::Variable& variable : PanelVectors::all().refused)
         EXPECT_EQ(encode(frameOf(variable)), std::nullopt) << variable;
 }
 
 TEST(PanelFrameTest, HasTheNumberOfEveryVector) {
-    for (const PanelVectors::Frame& frame : vectors().frames) {
+    for (const PanelVectors::Frame& frame : PanelVectors::all().frames) {
         // The vectors' floats are those of the shortest decimal; the bytes hold the nearest single.
         std::optional<double> expected = frame.number;
         if (expected && frame.variable.type == kFloat) expected = static_cast<float>(*expected);
@@ -103,7 +98,7 @@ TEST(PanelFrameTest, ShowsBytesInHexadecimalAndNotTooMany) {
 }
 
 TEST(PanelFrameScannerTest, TakesInTheFrameOfEveryVector) {
-    for (const PanelVectors::Frame& frame : vectors().frames) {
+    for (const PanelVectors::Frame& frame : PanelVectors::all().frames) {
         const Found found = scan(textOf(frame.bytes));
         EXPECT_EQ(found.frames, std::vector<Frame>{frameOf(frame.variable)});
         EXPECT_TRUE(found.faults.empty());
@@ -111,13 +106,13 @@ TEST(PanelFrameScannerTest, TakesInTheFrameOfEveryVector) {
 }
 
 TEST(PanelFrameScannerTest, TakesOutOfEveryStreamWhatIsGood) {
-    ASSERT_GT(vectors().streams.size(), 60u);
-    for (const PanelVectors::Stream& stream : vectors().streams)
+    ASSERT_GT(PanelVectors::all().streams.size(), 60u);
+    for (const PanelVectors::Stream& stream : PanelVectors::all().streams)
         EXPECT_EQ(scan(textOf(stream.bytes)).frames, framesOf(stream.accepted)) << stream.about;
 }
 
 TEST(PanelFrameScannerTest, TakesTheSameHoweverTheStreamIsCut) {
-    for (const PanelVectors::Stream& stream : vectors().streams) {
+    for (const PanelVectors::Stream& stream : PanelVectors::all().streams) {
         FrameScanner scanner;
         std::vector<Frame> frames;
         for (const char byte : textOf(stream.bytes))

@@ -21,11 +21,11 @@ namespace {
 class ProgramTest : public LineTest {
 protected:
     static std::string bytesOf(const std::string& name, double number) {
-        static const PanelVectors vectors(TARVEK_PANEL_VECTORS);
-        const auto found = std::find_if(vectors.frames.begin(), vectors.frames.end(), [&](const auto& frame) {
+        const std::vector<PanelVectors::Frame>& frames = PanelVectors::all().frames;
+        const auto found = std::find_if(frames.begin(), frames.end(), [&](const auto& frame) {
             return frame.variable.name == name && frame.number == number;
         });
-        if (found == vectors.frames.end()) throw std::runtime_error("no vector of " + name);
+        if (found == frames.end()) throw std::runtime_error("no vector of " + name);
         return {found->bytes.begin(), found->bytes.end()};
     }
     std::string fileOf(const std::string& text) {

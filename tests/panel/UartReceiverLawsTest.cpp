@@ -66,10 +66,9 @@ TEST(UartReceiverLawsTest, HoldForRandomFramesUnderAGoodCrc) {
 }
 
 TEST(UartReceiverLawsTest, HoldForTheVectorsOneBehindTheOther) {
-    const PanelVectors vectors(TARVEK_PANEL_VECTORS);
     UartReceiverLaws laws;
-    for (const PanelVectors::Stream& stream : vectors.streams)
-        for (const PanelVectors::Stream& next : vectors.streams) {
+    for (const PanelVectors::Stream& stream : PanelVectors::all().streams)
+        for (const PanelVectors::Stream& next : PanelVectors::all().streams) {
             std::string bytes(stream.bytes.begin(), stream.bytes.end());
             bytes.append(next.bytes.begin(), next.bytes.end());
             ASSERT_STREQ(laws.brokenBy(bytes), nullptr) << stream.about << ", then " << next.about;

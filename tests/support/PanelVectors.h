@@ -40,6 +40,13 @@ struct PanelVectors {
     std::vector<Variable> refused;
     std::vector<Stream> streams;
 
+    // Those of the file that the build names, read once.
+    static const PanelVectors& all() {
+        static const PanelVectors vectors(TARVEK_PANEL_VECTORS);
+        return vectors;
+    }
+
+private:
     explicit PanelVectors(const char* file) {
         const nlohmann::json json = nlohmann::json::parse(std::ifstream(file));
         for (const auto& item : json.at("crc"))
@@ -59,7 +66,6 @@ struct PanelVectors {
         }
     }
 
-private:
     static Bytes bytesOf(const std::string& hexadecimal) {
         Bytes bytes;
         for (std::size_t i = 0; i < hexadecimal.size(); i += 2)

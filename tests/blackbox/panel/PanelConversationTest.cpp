@@ -7,6 +7,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <numbers>
+#include <regex>
 
 #include "blackbox/support/HeldDesk.h"
 
@@ -112,6 +113,23 @@ double swing(const Samples& samples) {
         most = std::max(most, std::sqrt(sum));
     }
     return (most - least) / (most + least);
+}
+
+// A log but for what the machine decides: how often it mapped a page, and where a sanitizer's allocator put
+// an object. Threads of one moment race for that allocator's pieces; the C library's has an arena for each
+// thread.
+std::string theAmplifiersOwn(const std::vector<std::string>& lines) {
+    std::string log;
+    for (const std::string& line : lines) {
+        if (line.find("Page Faults") != std::string::npos) continue;
+#ifdef TARVEK_SANITIZED
+        static const std::regex address("0x[0-9a-f]+");
+        log += std::regex_replace(line, address, "0x?") + "\n";
+#else
+        log += line + "\n";
+#endif
+    }
+    return log;
 }
 
 }  // namespace
@@ -368,11 +386,7 @@ TEST_F(PanelConversation, AScriptedRunRepeatsByteForByte) {
             {"--in", tones(), "--seconds", "1", "--clock", "virtual", "--script", folder() / "evening.txt"});
         DeskProcess desk(folder(), arguments);
         EXPECT_EQ(desk.wait(), 0);
-        std::string log;
-        // How often the machine mapped a page is its own affair.
-        for (const std::string& line : desk.outputLines())
-            if (line.find("Page Faults") == std::string::npos) log += line + "\n";
-        return log;
+        return theAmplifiersOwn(desk.outputLines());
     };
     const std::string first = run("first");
     EXPECT_THAT(first, HasSubstr("messageHandler_CAB(2)"));

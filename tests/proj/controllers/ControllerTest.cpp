@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "proj/controllers/Controller.h"
-#include "support/LogRecorder.h"
 #include "support/card/AmplifierOnCard.h"
 
 namespace {
@@ -17,11 +16,6 @@ const std::string kUserIRs = "/mnt/user-data/userIRs/";
 
 class ControllerTest : public testing::Test {
 protected:
-    // There is no client's device: the connection says so once, on its own thread.
-    ControllerTest() {
-        amp.clock.advanceUntil([this] { return log.has("Warn Failed to open HID device."); });
-    }
-
     // The lines of one tag, or several, that a call leaves, in order.
     template <typename Call>
     Lines linesOf(const Lines& tags, Call call) {
@@ -63,8 +57,8 @@ protected:
         amp.controller->isTestMode();
     }
 
-    LogRecorder log;
     AmplifierOnCard amp;
+    LogRecorder& log = amp.log;
     Controller& controller = *amp.controller;
     PanelState& panel = amp.model->panel();
 };

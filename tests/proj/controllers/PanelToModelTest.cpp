@@ -17,7 +17,6 @@
 #include "proj/views/controls/PageManager.h"
 #include "proj/views/controls/PageManagerThread.h"
 #include "proj/views/controls/View.h"
-#include "support/LogRecorder.h"
 #include "support/PtyPair.h"
 #include "support/card/AmplifierOnCard.h"
 
@@ -42,9 +41,9 @@ protected:
         return {frame.begin(), frame.end()};
     }
 
-    LogRecorder log;
     PtyPair pty;
     AmplifierOnCard amp;
+    LogRecorder& log = amp.log;
     tvk::comm::FrameBuilder builder;
     PanelState& panel = amp.model->panel();
 };

@@ -9,7 +9,7 @@ namespace {
 
 using tvk::GlobalSettingsModel;
 
-constexpr const char* kFile = "/mnt/user-data/globalSettings.json";
+constexpr const char* kSettingsFile = "/mnt/user-data/globalSettings.json";
 constexpr const char* kUnreadable = "Warn Failed to load global settings file.";
 
 class Ear : public tvk::GlobalSettingsObserver {
@@ -30,7 +30,7 @@ class GlobalSettingsModelTest : public ProductFolders {
 protected:
     // What the file holds, as one line of taper, bright and schema version.
     static std::string saved() {
-        const nlohmann::json json = nlohmann::json::parse(read(kFile));
+        const nlohmann::json json = nlohmann::json::parse(read(kSettingsFile));
         EXPECT_EQ(json.size(), 3u);
         return json.at("reverbTaperType").dump() + " " + json.at("vibratoChannelBright").dump() + " " +
                json.at("schemaVersion").dump();
@@ -40,7 +40,7 @@ protected:
                (model.getVibratoChannelBright() ? " true" : " false");
     }
     std::string heldAfterLoading(const std::string& text) {
-        write(kFile, text);
+        write(kSettingsFile, text);
         log.clear();
         return held(GlobalSettingsModel(storage));
     }
@@ -70,10 +70,10 @@ TEST_F(GlobalSettingsModelTest, WhatWasSetIsSavedAndThereAfterTheNextStart) {
 
 TEST_F(GlobalSettingsModelTest, AFileOfANewerSchemaIsKeptWithTheDefaultsInForceUntilTheNextSave) {
     const std::string newer = R"({"schemaVersion": 2, "reverbTaperType": 5, "vibratoChannelBright": true})";
-    write(kFile, newer);
+    write(kSettingsFile, newer);
     GlobalSettingsModel model(storage);
     EXPECT_EQ(held(model), "0 false");
-    EXPECT_EQ(read(kFile), newer);
+    EXPECT_EQ(read(kSettingsFile), newer);
     EXPECT_EQ(complaints(), Lines{"Warn Global settings too new - using defaults."});
     model.setVibratoChannelBright(true);
     EXPECT_EQ(saved(), "0 true 1");
@@ -92,7 +92,7 @@ TEST_F(GlobalSettingsModelTest, AFileOfAnOlderSchemaIsBroughtUpToDateAndSaved) {
 TEST_F(GlobalSettingsModelTest, AFileOfTheCurrentSchemaIsReadAndNotWritten) {
     const std::string text = R"({"schemaVersion":1,"vibratoChannelBright":true})";
     EXPECT_EQ(heldAfterLoading(text), "0 true") << "what is missing has its default";
-    EXPECT_EQ(read(kFile), text);
+    EXPECT_EQ(read(kSettingsFile), text);
     EXPECT_TRUE(complaints().empty());
 }
 
@@ -152,9 +152,9 @@ TEST_F(GlobalSettingsModelTest, AFileOverAMebibyteIsReplacedByTheDefaults) {
 }
 
 TEST_F(GlobalSettingsModelTest, AFileThatTheDiskDoesNotGiveIsKept) {
-    std::filesystem::create_directory(place(kFile));
+    std::filesystem::create_directory(place(kSettingsFile));
     EXPECT_EQ(held(GlobalSettingsModel(storage)), "0 false");
-    EXPECT_TRUE(std::filesystem::is_directory(place(kFile)));
+    EXPECT_TRUE(std::filesystem::is_directory(place(kSettingsFile)));
     EXPECT_EQ(complaints(), Lines{kUnreadable});
 }
 

@@ -8,12 +8,12 @@ namespace {
 using tvk::Storage;
 namespace fs = std::filesystem;
 
-constexpr const char* kFile = "/mnt/user-data/a.json";
+constexpr const char* kPath = "/mnt/user-data/a.json";
 constexpr const char* kFolder = "/mnt/user-data/folder/";
 
 class StorageTest : public ProductFolders {
 protected:
-    Storage::Load load(const std::string& path = kFile) {
+    Storage::Load load(const std::string& path = kPath) {
         text = "before";
         return storage.load(path, text);
     }
@@ -21,11 +21,11 @@ protected:
 };
 
 TEST_F(StorageTest, WhatWasSavedIsLoaded) {
-    EXPECT_TRUE(storage.save(kFile, "text", storage.ticket()));
+    EXPECT_TRUE(storage.save(kPath, "text", storage.ticket()));
     EXPECT_EQ(load(), Storage::Load::Done);
     EXPECT_EQ(text, "text");
-    EXPECT_EQ(read(kFile), "text");
-    EXPECT_FALSE(exists(std::string(kFile) + ".tmp"));
+    EXPECT_EQ(read(kPath), "text");
+    EXPECT_FALSE(exists(std::string(kPath) + ".tmp"));
 }
 
 TEST_F(StorageTest, AFileThatIsNotThereIsAbsentAndLeavesTheText) {
@@ -36,10 +36,10 @@ TEST_F(StorageTest, AFileThatIsNotThereIsAbsentAndLeavesTheText) {
 
 TEST_F(StorageTest, AMebibyteIsLoadedAndNotOneByteMore) {
     const std::string most(std::size_t{1} << 20, 'x');
-    write(kFile, most);
+    write(kPath, most);
     EXPECT_EQ(load(), Storage::Load::Done);
     EXPECT_EQ(text, most);
-    write(kFile, most + "x");
+    write(kPath, most + "x");
     EXPECT_EQ(load(), Storage::Load::TooLarge);
     EXPECT_EQ(text, "before");
 }
@@ -53,9 +53,9 @@ TEST_F(StorageTest, NothingButARegularFileIsLoaded) {
 
 TEST_F(StorageTest, InTheUsersDataALinkIsNoFile) {
     write("/home/root/real", "text");
-    fs::create_symlink(place("/home/root/real"), place(kFile));
+    fs::create_symlink(place("/home/root/real"), place(kPath));
     EXPECT_EQ(load(), Storage::Load::Unreadable);
-    EXPECT_FALSE(storage.isFile(kFile));
+    EXPECT_FALSE(storage.isFile(kPath));
     fs::create_symlink(place("/home/root/real"), place("/home/root/link"));
     EXPECT_EQ(load("/home/root/link"), Storage::Load::Done);
     EXPECT_TRUE(storage.isFile("/home/root/link"));
@@ -64,9 +64,9 @@ TEST_F(StorageTest, InTheUsersDataALinkIsNoFile) {
 TEST_F(StorageTest, OfTwoTextsTheOneThatWasSettledLastStays) {
     const Storage::Ticket first = storage.ticket();
     const Storage::Ticket second = storage.ticket();
-    EXPECT_TRUE(storage.save(kFile, "second", second));
-    EXPECT_TRUE(storage.save(kFile, "first", first)) << "overtaken is as good as saved";
-    EXPECT_EQ(read(kFile), "second");
+    EXPECT_TRUE(storage.save(kPath, "second", second));
+    EXPECT_TRUE(storage.save(kPath, "first", first)) << "overtaken is as good as saved";
+    EXPECT_EQ(read(kPath), "second");
     EXPECT_TRUE(storage.save("/mnt/user-data/b.json", "first", first)) << "another file";
     EXPECT_EQ(read("/mnt/user-data/b.json"), "first");
 }
@@ -74,70 +74,70 @@ TEST_F(StorageTest, OfTwoTextsTheOneThatWasSettledLastStays) {
 TEST_F(StorageTest, ALaterTextThatFailedDoesNotKeepAnEarlierOneOff) {
     const Storage::Ticket first = storage.ticket();
     files.unwritable = "a.json.tmp";
-    EXPECT_FALSE(storage.save(kFile, "second", storage.ticket()));
+    EXPECT_FALSE(storage.save(kPath, "second", storage.ticket()));
     files.unwritable.clear();
-    EXPECT_TRUE(storage.save(kFile, "first", first));
-    EXPECT_EQ(read(kFile), "first");
+    EXPECT_TRUE(storage.save(kPath, "first", first));
+    EXPECT_EQ(read(kPath), "first");
 }
 
 TEST_F(StorageTest, AFailedSaveLeavesTheOldFile) {
-    write(kFile, "old");
+    write(kPath, "old");
     files.unwritable = "a.json.tmp";
-    EXPECT_FALSE(storage.save(kFile, "new", storage.ticket()));
-    EXPECT_EQ(read(kFile), "old");
+    EXPECT_FALSE(storage.save(kPath, "new", storage.ticket()));
+    EXPECT_EQ(read(kPath), "old");
 }
 
 TEST_F(StorageTest, WhatIsNotThereCountsAsRemoved) {
-    write(kFile, "text");
-    storage.remove(kFile);
-    EXPECT_FALSE(exists(kFile));
-    EXPECT_NO_THROW(storage.remove(kFile));
+    write(kPath, "text");
+    storage.remove(kPath);
+    EXPECT_FALSE(exists(kPath));
+    EXPECT_NO_THROW(storage.remove(kPath));
     EXPECT_NO_THROW(storage.remove("/mnt/user-data/missing/a"));
     EXPECT_TRUE(complaints().empty());
 }
 
 TEST_F(StorageTest, WhatCannotBeRemovedIsAnException) {
-    write(kFile, "text");
+    write(kPath, "text");
     files.undeletable = "a.json";
-    EXPECT_THROW(storage.remove(kFile), tvk::Exception);
-    EXPECT_EQ(read(kFile), "text");
+    EXPECT_THROW(storage.remove(kPath), tvk::Exception);
+    EXPECT_EQ(read(kPath), "text");
 }
 
 TEST_F(StorageTest, AFileThatWasRemovedCanBeSavedAgain) {
-    EXPECT_TRUE(storage.save(kFile, "one", storage.ticket()));
-    storage.remove(kFile);
-    EXPECT_TRUE(storage.save(kFile, "two", storage.ticket()));
-    EXPECT_EQ(read(kFile), "two");
+    EXPECT_TRUE(storage.save(kPath, "one", storage.ticket()));
+    storage.remove(kPath);
+    EXPECT_TRUE(storage.save(kPath, "two", storage.ticket()));
+    EXPECT_EQ(read(kPath), "two");
 }
 
 TEST_F(StorageTest, AWipeDeletesTheFilesAndEmptiesTheFolder) {
-    write(kFile, "text");
+    write(kPath, "text");
     write("/mnt/user-data/other.json", "stays");
     write(std::string(kFolder) + "b.wav", "b");
     fs::create_symlink("/nowhere", place(std::string(kFolder) + "link"));
-    storage.wipe({kFile, "/mnt/user-data/missing.json"}, kFolder);
-    EXPECT_FALSE(exists(kFile));
+    storage.wipe({kPath, "/mnt/user-data/missing.json"}, kFolder);
+    EXPECT_FALSE(exists(kPath));
     EXPECT_EQ(read("/mnt/user-data/other.json"), "stays");
     EXPECT_TRUE(storage.listFolder(kFolder).empty());
     EXPECT_TRUE(exists(kFolder));
-    EXPECT_NO_THROW(storage.wipe({kFile}, "/mnt/user-data/missing/"));
+    EXPECT_NO_THROW(storage.wipe({kPath}, "/mnt/user-data/missing/"));
 }
 
 TEST_F(StorageTest, AWipeStopsAtWhatStays) {
-    write(kFile, "text");
+    write(kPath, "text");
     write(std::string(kFolder) + "b.wav", "b");
     files.undeletable = "b.wav";
-    EXPECT_THROW(storage.wipe({kFile}, kFolder), tvk::Exception);
-    EXPECT_FALSE(exists(kFile));
+    EXPECT_THROW(storage.wipe({kPath}, kFolder), tvk::Exception);
+    EXPECT_FALSE(exists(kPath));
 }
 
 TEST_F(StorageTest, WhatWasSettledBeforeAWipeNeverLandsAfterIt) {
     const Storage::Ticket before = storage.ticket();
-    storage.wipe({kFile}, kFolder);
-    EXPECT_FALSE(storage.save(kFile, "old", before));
-    EXPECT_FALSE(exists(kFile));
-    EXPECT_TRUE(storage.save(kFile, "new", storage.ticket()));
-    EXPECT_EQ(read(kFile), "new");
+    storage.wipe({kPath}, kFolder);
+    EXPECT_FALSE(storage.save(kPath, "old", before));
+    EXPECT_FALSE(exists(kPath));
+    EXPECT_TRUE(storage.save(kPath, "new", storage.ticket()));
+    EXPECT_EQ(read(kPath), "new");
 }
 
 TEST_F(StorageTest, AFolderIsMadeOnce) {

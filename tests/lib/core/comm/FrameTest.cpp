@@ -15,11 +15,6 @@ namespace {
 using Bytes = PanelVectors::Bytes;
 using Variable = PanelVectors::Variable;
 
-const PanelVectors& vectors() {
-    static const PanelVectors read(TARVEK_PANEL_VECTORS);
-    return read;
-}
-
 Bytes build(const Variable& variable) {
     FrameBuilder builder;
     const auto frame = builder.build(static_cast<VariableType>(variable.type), variable.name, variable.value);
@@ -43,20 +38,20 @@ TEST(Crc16XmodemTest, OfTheNineDigitsIsThePublishedCheckValue) {
 }
 
 TEST(Crc16XmodemTest, EqualsTheOtherImplementation) {
-    ASSERT_FALSE(vectors().checked.empty());
-    for (const auto& [bytes, crc] : vectors().checked)
+    ASSERT_FALSE(PanelVectors::all().checked.empty());
+    for (const auto& [bytes, crc] : PanelVectors::all().checked)
         EXPECT_EQ(crc16Xmodem(bytes), crc);
 }
 
 TEST(FrameBuilderTest, MakesTheBytesOfEveryVector) {
-    ASSERT_GT(vectors().frames.size(), 80u);
-    for (const PanelVectors::Frame& frame : vectors().frames)
+    ASSERT_GT(PanelVectors::all().frames.size(), 80u);
+    for (const PanelVectors::Frame& frame : PanelVectors::all().frames)
         EXPECT_EQ(build(frame.variable), frame.bytes) << frame.variable;
 }
 
 TEST(FrameBuilderTest, MakesNoFrameThatDoesNotFitOrHasNoGoodName) {
-    ASSERT_FALSE(vectors().refused.empty());
-    for (const Variable& variable : vectors().refused)
+    ASSERT_FALSE(PanelVectors::all().refused.empty());
+    for (const Variable& variable : PanelVectors::all().refused)
         EXPECT_TRUE(build(variable).empty()) << variable;
 }
 
@@ -71,23 +66,23 @@ TEST(FrameBuilderTest, AFrameAfterARefusedOneIsWhole) {
 }
 
 TEST(FrameReceiverTest, TakesInTheFrameOfEveryVector) {
-    for (const PanelVectors::Frame& frame : vectors().frames) {
+    for (const PanelVectors::Frame& frame : PanelVectors::all().frames) {
         FrameReceiver receiver;
         EXPECT_EQ(accepted(receiver, frame.bytes), std::vector<Variable>{frame.variable});
     }
 }
 
 TEST(FrameReceiverTest, TakesOutOfEveryStreamWhatIsGood) {
-    ASSERT_GT(vectors().streams.size(), 60u);
-    for (const PanelVectors::Stream& stream : vectors().streams) {
+    ASSERT_GT(PanelVectors::all().streams.size(), 60u);
+    for (const PanelVectors::Stream& stream : PanelVectors::all().streams) {
         FrameReceiver receiver;
         EXPECT_EQ(accepted(receiver, stream.bytes), stream.accepted) << stream.about;
     }
 }
 
 TEST(FrameReceiverTest, AStreamLeavesNothingThatHarmsAFrameBehindAnEndMark) {
-    const PanelVectors::Frame& good = vectors().frames.front();
-    for (const PanelVectors::Stream& stream : vectors().streams) {
+    const PanelVectors::Frame& good = PanelVectors::all().frames.front();
+    for (const PanelVectors::Stream& stream : PanelVectors::all().streams) {
         FrameReceiver receiver;
         accepted(receiver, stream.bytes);
         receiver.receive(kFrameEnd);

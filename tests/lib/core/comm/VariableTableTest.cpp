@@ -49,7 +49,7 @@ struct AllTargets {
 
 TEST(VariableTableTest, StoresTheNumberOfEveryVectorInTheTargetOfItsType) {
     int numbers = 0;
-    for (const PanelVectors::Frame& frame : PanelVectors(TARVEK_PANEL_VECTORS).frames) {
+    for (const PanelVectors::Frame& frame : PanelVectors::all().frames) {
         if (frame.variable.name != "V") continue;
         VariableTable table;
         AllTargets targets(table);
