@@ -21,12 +21,13 @@ function(tarvek_compile_together target)
   endif()
 endfunction()
 
-# The sources of the current folder that parse a command line: in each the compiler makes the whole parser anew, and
-# more checks of it take it half a minute.
+# The sources of the current folder that parse a command line: in each the compiler makes the whole parser anew, which
+# takes as long as all other files of a program, and with a sanitizer's checks of it half a minute.
 function(tarvek_parses_command_line)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   if(TARVEK_SANITIZE)
     set_source_files_properties(${ARGN} PROPERTIES
-      COMPILE_OPTIONS "-O0;-fno-sanitize=undefined" SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
+      COMPILE_OPTIONS "-O0;-fno-sanitize=undefined" SKIP_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()
 
