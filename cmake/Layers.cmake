@@ -68,7 +68,8 @@ function(tarvek_test_options name)
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [TOGETHER] [NATIVE] [ALONE] [ONE_THREAD] [PATIENT <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
+# tarvek_tests(<name> [TOGETHER] [NATIVE] [ALONE] [ONE_THREAD] [PATIENT <tests>...]
+#              [RACELESS <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
 # One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; with
 # TARVEK_TESTS_BY_PROGRAM, and where programs are emulated or sanitized, each program, since it takes longer to
@@ -82,8 +83,10 @@ endfunction()
 # build leaves it out.
 # PATIENT names tests that take minutes where they are emulated or sanitized, and run no code there that shorter
 # ones do not: they measure, or wait long.
+# RACELESS names those that take minutes under the thread sanitizer and give threads nothing to share that shorter
+# ones do not.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "TOGETHER;NATIVE;ALONE;ONE_THREAD" "" "PATIENT;SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER;NATIVE;ALONE;ONE_THREAD" "" "PATIENT;RACELESS;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
   if(NOT sources)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp)
@@ -118,10 +121,17 @@ function(tarvek_tests name)
     set(isSlow TRUE)
   endif()
   if(isSlow OR TARVEK_TESTS_BY_PROGRAM)
+    set(left_out)
+    if(isSlow)
+      list(APPEND left_out ${ARG_PATIENT})
+    endif()
+    if(TARVEK_SANITIZE STREQUAL "thread")
+      list(APPEND left_out ${ARG_RACELESS})
+    endif()
     set(filter)
-    if(ARG_PATIENT AND isSlow)
-      list(JOIN ARG_PATIENT ":" patient)
-      set(filter --gtest_filter=-${patient})
+    if(left_out)
+      list(JOIN left_out ":" patterns)
+      set(filter --gtest_filter=-${patterns})
     endif()
     add_test(NAME ${name} COMMAND ${name} ${filter})
     set_tests_properties(${name} PROPERTIES TIMEOUT 1200 ${properties})
