@@ -21,14 +21,16 @@ function(tarvek_compile_together target)
   endif()
 endfunction()
 
-# The sources of the current folder that parse a command line: in each the compiler makes the whole parser anew, which
-# takes as long as all other files of a program, and with a sanitizer's checks of it half a minute.
+# The sources of the current folder that parse a command line. In each the compiler makes the whole parser anew:
+# optimised it takes as long as all other files of a program, with a sanitizer's checks half a minute, and a program
+# parses one line.
 function(tarvek_parses_command_line)
-  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  set(options -O0)
   if(TARVEK_SANITIZE)
-    set_source_files_properties(${ARGN} PROPERTIES
-      COMPILE_OPTIONS "-O0;-fno-sanitize=undefined" SKIP_PRECOMPILE_HEADERS ON)
+    list(APPEND options -fno-sanitize=undefined)
   endif()
+  set_source_files_properties(${ARGN} PROPERTIES
+    COMPILE_OPTIONS "${options}" SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
 
 # tarvek_layer(<target> [TOGETHER] [DEPENDS <targets>...])
@@ -68,15 +70,16 @@ function(tarvek_test_options name)
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [TOGETHER] [NATIVE] [ALONE] [ONE_THREAD] [PATIENT <tests>...]
+# tarvek_tests(<name> [TOGETHER] [NATIVE] [DATA] [ALONE] [ONE_THREAD] [PATIENT <tests>...]
 #              [RACELESS <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
 # One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; with
 # TARVEK_TESTS_BY_PROGRAM, and where programs are emulated or sanitized, each program, since it takes longer to
 # start than most tests take to run.
 # TOGETHER: see tarvek_compile_together.
-# NATIVE marks a program that has nothing to say under emulation: it starts programs of ours, or looks at data
-# alone. A cross build leaves it out.
+# NATIVE marks a program that has nothing to say under emulation: it starts programs of ours. A cross build leaves it
+# out.
+# DATA marks one that looks at data alone: it has nothing to say under emulation and to sanitizers.
 # ALONE marks one with an amplifier's audio threads, which would take those of another their processor: they run
 # one at a time.
 # ONE_THREAD marks one in which no second thread runs: the thread sanitizer has nothing to see there, and its
@@ -86,7 +89,7 @@ endfunction()
 # RACELESS names those that take minutes under the thread sanitizer and give threads nothing to share that shorter
 # ones do not.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "TOGETHER;NATIVE;ALONE;ONE_THREAD" "" "PATIENT;RACELESS;SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER;NATIVE;DATA;ALONE;ONE_THREAD" "" "PATIENT;RACELESS;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
   if(NOT sources)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp)
@@ -104,7 +107,9 @@ function(tarvek_tests name)
   if(ARG_TOGETHER)
     tarvek_compile_together(${name})
   endif()
-  if((ARG_NATIVE AND CMAKE_CROSSCOMPILING) OR (ARG_ONE_THREAD AND TARVEK_SANITIZE STREQUAL "thread"))
+  if((ARG_NATIVE AND CMAKE_CROSSCOMPILING) OR
+      (ARG_DATA AND (CMAKE_CROSSCOMPILING OR TARVEK_SANITIZE)) OR
+      (ARG_ONE_THREAD AND TARVEK_SANITIZE STREQUAL "thread"))
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL TRUE)
     return()
   endif()

@@ -10,15 +10,23 @@ namespace response {
 
 using Complex = std::complex<double>;
 
-// The discrete-time Fourier transform of an impulse response.
+// The discrete-time Fourier transform of an impulse response, by Horner's rule. Most of the time of these
+// tests is spent here, and where they are compiled without optimisation the library's complex numbers take
+// ten times as long.
 template <typename T>
 Complex transform(const std::vector<T>& impulseResponse, double freqHz, double sampleRate) {
-    const Complex step = std::polar(1.0, -2.0 * std::numbers::pi * freqHz / sampleRate);
-    Complex sum = 0.0;
-    for (auto h = impulseResponse.rbegin(); h != impulseResponse.rend(); ++h) {
-        sum = sum * step + static_cast<double>(*h);
+    const double radians = -2.0 * std::numbers::pi * freqHz / sampleRate;
+    const double cosine = std::cos(radians);
+    const double sine = std::sin(radians);
+    const T* const samples = impulseResponse.data();
+    double real = 0.0;
+    double imaginary = 0.0;
+    for (std::size_t i = impulseResponse.size(); i-- > 0;) {
+        const double turned = real * cosine - imaginary * sine;
+        imaginary = real * sine + imaginary * cosine;
+        real = turned + static_cast<double>(samples[i]);
     }
-    return sum;
+    return {real, imaginary};
 }
 
 // What process(buffer, n) makes of a unit impulse in n samples.
