@@ -70,8 +70,8 @@ function(tarvek_test_options name)
   target_link_libraries(${name} PRIVATE tarvek_options GTest::gmock GTest::gtest GTest::gtest_main)
 endfunction()
 
-# tarvek_tests(<name> [TOGETHER] [NATIVE] [DATA] [ALONE] [ONE_THREAD] [PATIENT <tests>...]
-#              [RACELESS <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
+# tarvek_tests(<name> [TOGETHER] [NATIVE] [DATA] [ALONE] [ONE_THREAD] [BELLS]
+#              [PATIENT <tests>...] [RACELESS <tests>...] [SOURCES <files>...] [DEPENDS <targets>...])
 #
 # One test program of these files, or of all *.cpp in this folder. Each test is its own ctest entry; with
 # TARVEK_TESTS_BY_PROGRAM, and where programs are emulated or sanitized, each program, since it takes longer to
@@ -84,18 +84,22 @@ endfunction()
 # one at a time.
 # ONE_THREAD marks one in which no second thread runs: the thread sanitizer has nothing to see there, and its
 # build leaves it out.
+# BELLS lets the audio path's helpers wait for a job, see tests/support/bells.
 # PATIENT names tests that take minutes where they are emulated or sanitized, and run no code there that shorter
 # ones do not: they measure, or wait long.
 # RACELESS names those that take minutes under the thread sanitizer and give threads nothing to share that shorter
 # ones do not.
 function(tarvek_tests name)
-  cmake_parse_arguments(ARG "TOGETHER;NATIVE;DATA;ALONE;ONE_THREAD" "" "PATIENT;RACELESS;SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "TOGETHER;NATIVE;DATA;ALONE;ONE_THREAD;BELLS" "" "PATIENT;RACELESS;SOURCES;DEPENDS" ${ARGN})
   set(sources ${ARG_SOURCES})
   if(NOT sources)
     file(GLOB sources CONFIGURE_DEPENDS *.cpp)
   endif()
   if(NOT sources)
     return()
+  endif()
+  if(ARG_BELLS)
+    list(APPEND sources ${PROJECT_SOURCE_DIR}/tests/support/bells/BellsForEveryTest.cpp)
   endif()
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
