@@ -1,9 +1,9 @@
 // Linked into a test program, lets the audio path's helpers sleep in every test until there is a job for
 // them.
 //
-// In the machine's time a helper looks for one every 23 us. Where a hypervisor sets the timers, or an
-// emulator carries out the calls, looking takes more of the processor than the jobs. A test that brings a
-// clock of its own has that one instead, until its clock ends.
+// In the machine's time a helper looks for one every 23 us, a sample of 44.1 kHz. Where a hypervisor sets the
+// timers, or an emulator carries out the calls, looking takes more of the processor than the jobs. A test
+// that brings a clock of its own has that one instead, until its clock ends.
 #include <chrono>
 #include <gtest/gtest.h>
 #include <poll.h>
