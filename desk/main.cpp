@@ -42,14 +42,6 @@ constexpr int kRefused = 2;
 // Long enough for what the amplifier still has to say after the guitar's last sample.
 constexpr std::uint64_t kTailFrames = kRateHz;
 
-// A sanitizer's runtime spins for its locks, and a real-time thread would do so for ever where it has
-// preempted their holder.
-#if defined(TARVEK_SANITIZED)
-constexpr bool kMayShareProcessor = false;
-#else
-constexpr bool kMayShareProcessor = true;
-#endif
-
 bool isSameFile(const std::optional<std::string>& one, const std::optional<std::string>& other) {
     std::error_code missing;
     return one && other &&
@@ -122,7 +114,7 @@ int play(const Options& options) {
     const bool isVirtual = options.clock == VirtualCard::ClockMode::Virtual;
     Clock& clock = isVirtual ? deskClock : Clock::current();
     Quiescence others;
-    if (isVirtual && kMayShareProcessor) others.shareProcessor();
+    if (isVirtual) others.shareProcessor();
     card.virtualTime().setAwaitRest([&others] {
         // Helpers look for work all the time: theirs is counted. In real time they have a block for a block's
         // job and longer for a tail's.

@@ -57,6 +57,10 @@ void warnAffinityError(int error) {
     }
 }
 
+bool isRealTime(int policy) {
+    return policy == SCHED_FIFO || policy == SCHED_RR;
+}
+
 }  // namespace
 
 int clampPriority(int policy, int priority) {
@@ -76,7 +80,8 @@ int clampPriority(int policy, int priority) {
 bool setThreadScheduling(pthread_t thread, int policy, int priority) {
     sched_param parameters{};
     parameters.sched_priority = clampPriority(policy, priority);
-    const int error = pthread_setschedparam(thread, policy, &parameters);
+    const bool isRefused = isRealTime(policy) && !kMayBeRealTime;
+    const int error = isRefused ? EPERM : pthread_setschedparam(thread, policy, &parameters);
     if (error != 0) {
         warnSchedulingError("pthread_setschedparam", error, static_cast<unsigned>(thread));
         return false;

@@ -10,10 +10,19 @@
 
 namespace tvk::scheduler {
 
+// Whether this build asks for real-time priorities at all. A sanitizer's runtime spins for locks of its own,
+// and a real-time thread that has preempted the holder would do so for ever.
+#ifdef TARVEK_SANITIZED
+inline constexpr bool kMayBeRealTime = false;
+#else
+inline constexpr bool kMayBeRealTime = true;
+#endif
+
 // The priority limited to what the policy (SCHED_FIFO and the like) takes; a debug line tells of a change.
 int clampPriority(int policy, int priority);
 
-// True when the kernel took it. The priority is limited first.
+// True when the kernel took it. The priority is limited first. A build without real-time priorities refuses
+// them as a machine does that gives no right to them.
 bool setThreadScheduling(pthread_t thread, int policy, int priority);
 
 // Binds the thread to one processor, counted from 0. A number of 1024 or more names none, and an empty set
