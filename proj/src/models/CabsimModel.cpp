@@ -20,10 +20,6 @@ constexpr const char* kTag = "CabsimModel";
 constexpr const char* kFile = "/mnt/user-data/userCabsimConfig.json";
 constexpr float kAssignedLevelDb = -5.0f;
 
-int asInt(std::uint32_t slot) {
-    return static_cast<int>(slot);
-}
-
 }  // namespace
 
 CabsimModel::CabsimModel(Model& model, GlobalSettingsModel& settings, FactoryIRModel& factoryIRs,
@@ -49,7 +45,7 @@ std::uint32_t CabsimModel::getVirtualCabsim() const {
 }
 
 void CabsimModel::setVirtualCabsim(std::uint32_t slot) {
-    if (slot >= kSlots) TVK_THROW("invalid %s(%d)", "setVirtualCabsim", asInt(slot));
+    if (slot >= kSlots) TVK_THROW("invalid %s(%d)", "setVirtualCabsim", static_cast<int>(slot));
     const ApplyLock applying = lockApply();
     emptyWithoutFile(slot);
     {
