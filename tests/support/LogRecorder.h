@@ -43,12 +43,25 @@ public:
             if (line.rfind(text, 0) == 0) found.push_back(line);
         return found;
     }
+    // Warnings and errors, but for those of a machine or a build that gives threads no priority or processor.
+    std::vector<std::string> complaints() const {
+        const std::lock_guard lock(mutex_);
+        std::vector<std::string> found;
+        for (const std::string& line : lines_)
+            if ((line.starts_with("Warn ") || line.starts_with("Error ")) && !isOfScheduling(line))
+                found.push_back(line);
+        return found;
+    }
     void clear() {
         const std::lock_guard lock(mutex_);
         lines_.clear();
     }
 
 private:
+    static bool isOfScheduling(const std::string& line) {
+        return line.starts_with("Warn pthread_set") || line.starts_with("Warn The caller does not have") ||
+               line.starts_with("Warn The affinity bit mask");
+    }
     // What audio threads of earlier tests have left goes to the sink before this one.
     tvk::log::Sink* takeOver() {
         tvk::log::drainRealtimeRing();

@@ -134,6 +134,15 @@ TEST_F(ThreadSchedTest, AnUnknownPolicyWarnsWithTheReason) {
                 "sense for the policy."));
 }
 
+TEST_F(ThreadSchedTest, ARealTimePolicyIsSetOnlyWhereItIsSaidToBeAndNeverInABuildWithoutThem) {
+    const bool isSet = tvk::scheduler::setThreadScheduling(idler.thread.native_handle(), SCHED_FIFO, 1);
+    int policy = -1;
+    sched_param parameters{};
+    ASSERT_EQ(pthread_getschedparam(idler.thread.native_handle(), &policy, &parameters), 0);
+    EXPECT_EQ(policy, isSet ? SCHED_FIFO : SCHED_OTHER);
+    if (!tvk::scheduler::kMayBeRealTime) EXPECT_FALSE(isSet);
+}
+
 TEST_F(ThreadSchedTest, TheProcessesTwinSpeaksOfTheProcess) {
     EXPECT_TRUE(tvk::scheduler::setProcessScheduling(0, SCHED_OTHER, 0));
     EXPECT_TRUE(log.has("ThreadSched: Process 0 set with priority 0..."));

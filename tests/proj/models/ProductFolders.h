@@ -65,18 +65,7 @@ protected:
     }
     static bool exists(const std::string& path) { return std::filesystem::exists(place(path)); }
 
-    // Warnings and errors so far, but for those of a machine that gives threads no priority or processor.
-    Lines complaints() const {
-        Lines found;
-        for (const std::string& line : log.lines()) {
-            const bool isOfScheduling = line.starts_with("Warn pthread_set") ||
-                                        line.starts_with("Warn The caller does not have") ||
-                                        line.starts_with("Warn The affinity bit mask");
-            if (!isOfScheduling && (line.starts_with("Warn ") || line.starts_with("Error ")))
-                found.push_back(line);
-        }
-        return found;
-    }
+    Lines complaints() const { return log.complaints(); }
 
     TemporaryFolder folder;
     LogRecorder log;

@@ -54,16 +54,7 @@ protected:
         write("/mnt/user-data/userIRs/" + name + ".wav", response);
     }
 
-    // Warnings and errors since the last clear, but for those of a machine that refuses real-time threads.
-    std::vector<std::string> complaints() const {
-        std::vector<std::string> found;
-        for (const std::string& line : log.lines()) {
-            const bool isFault = line.rfind("Warn ", 0) == 0 || line.rfind("Error ", 0) == 0;
-            const bool isOfThread = line.rfind("Warn pthread_", 0) == 0 || line.rfind("Warn The ", 0) == 0;
-            if (isFault && !isOfThread) found.push_back(line);
-        }
-        return found;
-    }
+    std::vector<std::string> complaints() const { return log.complaints(); }
 
     // Whole blocks, with every helper done before each.
     template <typename Cabinet>

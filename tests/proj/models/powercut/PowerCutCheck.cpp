@@ -83,7 +83,7 @@ PowerCutCheck::End PowerCutCheck::run(const Scenario& scenario, const DiskFault&
         if (scenario.isAtTheStart) amp.start();
         end.isDone = isDone(scenario, amp);
     }
-    end.complaints = complaints();
+    end.complaints = log_.complaints();
     end.leftovers = disk.leftovers();
     end.durable = disk.durable();
     end.seen = disk.seen();
@@ -97,19 +97,6 @@ bool PowerCutCheck::isDone(const Scenario& scenario, Amplifier& amp) const {
     } catch (const tvk::Exception&) {
         return false;
     }
-}
-
-// What is in the log of the disk.
-std::vector<std::string> PowerCutCheck::complaints() const {
-    const auto isOfAnotherMatter = [](const std::string& line) {
-        return line.starts_with("Warn pthread_set") || line.starts_with("Warn The caller does not have") ||
-               line.starts_with("Warn The affinity bit mask");
-    };
-    std::vector<std::string> found;
-    for (const std::string& line : log_.lines())
-        if ((line.starts_with("Warn ") || line.starts_with("Error ")) && !isOfAnotherMatter(line))
-            found.push_back(line);
-    return found;
 }
 
 PowerCutCheck::State PowerCutCheck::stateOn(const DiskContents& contents) {

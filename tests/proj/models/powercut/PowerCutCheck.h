@@ -53,7 +53,6 @@ private:
 
     End run(const Scenario& scenario, const DiskFault& fault);
     bool isDone(const Scenario& scenario, Amplifier& amp) const;
-    std::vector<std::string> complaints() const;
     State stateOn(const DiskContents& contents);
     std::vector<tvk::UserIR> listFor(const DiskContents& disk);
 

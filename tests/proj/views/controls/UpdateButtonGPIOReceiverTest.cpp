@@ -68,7 +68,7 @@ protected:
 
 TEST_F(UpdateButtonGPIOReceiverTest, ExportsTheLed) {
     EXPECT_EQ(contentOf("gpio/export"), "92");
-    EXPECT_EQ(log.startingWith("Warn "), Lines{});
+    EXPECT_EQ(log.complaints(), Lines{});
 }
 
 TEST_F(UpdateButtonGPIOReceiverTest, APressOnTheLineIsTheSignalAndAReleaseIsNot) {
@@ -139,7 +139,7 @@ TEST_F(UpdateButtonGPIOReceiverTest, AnEventWithinAnEventOnlyWarns) {
     const nod::connection again =
         signals.of(Button::FirmwareUpdate).connect([&] { receiver->eventHandler(0); });
     receiver->eventHandler(1);
-    EXPECT_EQ(log.startingWith("Warn "), Lines{"Warn UpdateButtonGPIOReceiverThread is already running."});
+    EXPECT_EQ(log.complaints(), Lines{"Warn UpdateButtonGPIOReceiverThread is already running."});
     hold(10s);
     EXPECT_TRUE(isRestored()) << "the button counts as down";
 }
