@@ -39,6 +39,12 @@ constexpr int kUnplugs = 6;
 constexpr std::array<const char*, 11> kKnobs = {"PA_0", "PA_1", "PA_2", "PA_3", "PA_4", "PA_5",
                                                 "PA_6", "PA_7", "PB_0", "PC_0", "PC_1"};
 
+// Before looking again for what others do meanwhile. A thread that only yields would take as much of a
+// processor as the audio thread, where that has no priority.
+void giveWay() {
+    std::this_thread::sleep_for(50us);
+}
+
 // Ordered by the card's time, waited for in the machine's.
 class FreeClock final : public tvk::client::ClientClock {
 public:
@@ -96,7 +102,7 @@ private:
                 sums[1] += std::pow(static_cast<double>(frames[i].line), 2.0);
             }
             count += got;
-            if (got == 0) std::this_thread::yield();
+            if (got == 0) giveWay();
             if (count < DeskAmplifier::kRateHz) continue;
             for (std::size_t feed = 0; feed < sums.size(); ++feed)
                 rms_[feed] = std::sqrt(std::exchange(sums[feed], 0.0) / static_cast<double>(count));
@@ -124,7 +130,7 @@ protected:
     void pass(std::chrono::nanoseconds duration) const {
         const auto end = desk_.card.virtualTime().now() + duration;
         while (desk_.card.virtualTime().now() < end)
-            std::this_thread::yield();
+            giveWay();
     }
 
     // Up again at once: on a machine that starves this thread its next frame may be ten seconds later, and a
@@ -225,7 +231,7 @@ protected:
     std::array<double, 2> loudness() const {
         const long begun = listener_.seconds();
         while (listener_.seconds() < begun + 2)
-            std::this_thread::yield();
+            giveWay();
         return listener_.last();
     }
 
