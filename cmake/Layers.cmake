@@ -94,7 +94,7 @@ endfunction()
 # out.
 # DATA marks one that looks at data alone: it has nothing to say under emulation and to sanitizers.
 # ALONE marks one with an amplifier's audio threads, which would take those of another their processor: they run
-# one at a time.
+# one at a time, but in sanitized builds, whose threads have no priority.
 # ONE_THREAD marks one in which no second thread runs: the thread sanitizer has nothing to see there, and its
 # build leaves it out.
 # BELLS lets the audio path's helpers wait for a job, see tests/support/bells.
@@ -135,7 +135,7 @@ function(tarvek_tests name)
     # They take the longest, and are started first.
     set(properties COST 100)
   endif()
-  if(ARG_ALONE)
+  if(ARG_ALONE AND NOT TARVEK_SANITIZE)
     list(APPEND properties RESOURCE_LOCK audio_processor)
   endif()
   set(isSlow FALSE)
