@@ -37,4 +37,6 @@ endif()
 # that moves. The kernels of the real-time seam ask for it themselves, since nothing compares them to the bit.
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)")
   add_compile_options(-ffp-contract=off)
+  # Notes on a call's form that compilers before GCC 10 had otherwise: all that is linked is from one compiler.
+  add_compile_options(-Wno-psabi)
 endif()

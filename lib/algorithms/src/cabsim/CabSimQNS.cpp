@@ -24,8 +24,7 @@ void warnOfNull(bool isReleased) {
 }  // namespace
 
 CabSimQNS::CabSimQNS(int blockLength, float sampleRate, std::span<const CabinetRow> table)
-    : blockLength_(blockLength),
-      first_(blockLength, sampleRate),
+    : first_(blockLength, sampleRate),
       second_(blockLength, sampleRate),
       blend_(kRampSeconds, sampleRate),
       firstLeft_(static_cast<std::size_t>(blockLength)),

@@ -56,7 +56,6 @@ private:
     void takeProcessor(CabinetSlot& slot, std::size_t place, const char* missing, const char* which);
     void select(CabinetSlot& slot, const std::string& name);
 
-    const int blockLength_;
     CabinetSlot first_;
     CabinetSlot second_;
     std::atomic<bool> cab2Enabled_{false};
