@@ -26,7 +26,7 @@ public:
         : slots_(std::move(slots)), slot_(std::move(slot)) {}
     ~connection() { disconnect(); }
     connection(connection&&) = default;
-    connection& operator=(connection&& other) {
+    connection& operator=(connection&& other) noexcept {
         disconnect();
         slots_ = std::move(other.slots_);
         slot_ = std::move(other.slot_);
