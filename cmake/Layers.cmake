@@ -94,7 +94,7 @@ endfunction()
 # out.
 # DATA marks one that looks at data alone: it has nothing to say under emulation and to sanitizers.
 # ALONE marks one with an amplifier's audio threads, which would take those of another their processor: they run
-# one at a time, but in sanitized builds, whose threads have no priority.
+# one at a time, except in sanitized builds, whose threads have no real-time priority.
 # ONE_THREAD marks one in which no second thread runs: the thread sanitizer has nothing to see there, and its
 # build leaves it out.
 # BELLS lets the audio path's helpers wait for a job, see tests/support/bells.

@@ -39,8 +39,10 @@ constexpr int kUnplugs = 6;
 constexpr std::array<const char*, 11> kKnobs = {"PA_0", "PA_1", "PA_2", "PA_3", "PA_4", "PA_5",
                                                 "PA_6", "PA_7", "PB_0", "PC_0", "PC_1"};
 
-// Before looking again for what others do meanwhile. A thread that only yields would take as much of a
-// processor as the audio thread, where that has no priority.
+// The pause between two looks at what the card has done. A thread that only yields would take as much of a
+// processor as the audio thread, where that has no priority. A fourteenth of a period (726 us) of the
+// machine's time, since these threads run free of the card's: how long it lasts decides nothing but how long
+// the test takes.
 void giveWay() {
     std::this_thread::sleep_for(50us);
 }
