@@ -25,20 +25,11 @@ public:
     Answerer(const Answerer&) = delete;
     Answerer& operator=(const Answerer&) = delete;
 
-    void ask(int question) {
-        {
-            const std::lock_guard lock(mutex_);
-            question_ = question;
-        }
-        asked_.notify_one();
-    }
+    void ask(int question) { ask(question, kNothing); }
     int answered() const { return answered_; }
 
     // The next question is answered after a byte has been read there.
-    void readFrom(int descriptor) {
-        readsFrom_ = descriptor;
-        ask(answered_ + 1);
-    }
+    void readFrom(int descriptor) { ask(answered_ + 1, descriptor); }
 
     cpu_set_t processors() {
         cpu_set_t set;
@@ -56,6 +47,15 @@ public:
 private:
     static constexpr int kEnd = -1;
     static constexpr int kNothing = -1;
+
+    void ask(int question, int readsFrom) {
+        {
+            const std::lock_guard lock(mutex_);
+            question_ = question;
+            readsFrom_ = readsFrom;
+        }
+        asked_.notify_one();
+    }
 
     void run() {
         std::unique_lock lock(mutex_);
@@ -186,14 +186,16 @@ TEST_F(RealtimeProcessor, GivesEveryTurnItsEnd) {
 TEST_F(RealtimeProcessor, DoesNotHideThatAThreadAtRestHasGoneOnToACallThatIsNoWait) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    Answerer answerer;
-    answerer.askForPriority(kPriority - 1);
-    others_.await();
-    EXPECT_TRUE(others_.areAtRest());
-    answerer.readFrom(ends[0]);
-    EXPECT_FALSE(others_.areAtRest());
-    EXPECT_EQ(write(ends[1], "x", 1), 1);
-    others_.await();
+    {
+        Answerer answerer;
+        answerer.askForPriority(kPriority - 1);
+        others_.await();
+        EXPECT_TRUE(others_.areAtRest());
+        answerer.readFrom(ends[0]);
+        EXPECT_FALSE(others_.areAtRest());
+        EXPECT_EQ(write(ends[1], "x", 1), 1);
+        others_.await();
+    }
     close(ends[0]);
     close(ends[1]);
 }
